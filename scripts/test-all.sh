@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Installs what is needed, builds with warnings as errors, runs every test; then the same
+# suite under the address and undefined-behaviour sanitizers; then the Windows sources through
+# the cross compiler's syntax check.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh
+
+jobs=$(nproc)
+
+echo "== build and test =="
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+cmake --build build -j "$jobs"
+ctest --test-dir build --output-on-failure -j "$jobs"
+
+echo "== sanitizer build and test =="
+cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORBLINE_SANITIZE=ON -DORBLINE_BENCH=OFF
+cmake --build build-asan -j "$jobs"
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+    ctest --test-dir build-asan --output-on-failure -j "$jobs"
+
+echo "== Windows sources, syntax only =="
+scripts/check-win32.sh

@@ -1,0 +1,64 @@
+#include "app/Launch.h"
+
+#include "common/AnsiCodec.h"
+#include "common/Form.h"
+#include "common/Logging.h"
+#include "common/Numbers.h"
+#include "common/RunContext.h"
+#include "common/Text.h"
+
+using namespace Qt::StringLiterals;
+
+namespace orbline {
+
+LaunchFields ParseCommandLine(const QString& commandLine) {
+    QString text = commandLine;
+    text.remove(u'/');
+    const QStringList fields = Split(text, u"="_s);
+    auto field = [&](qsizetype i) { return Trim(FieldAt(fields, i).value_or(QString())); };
+    LaunchFields launch;
+    launch.InstrumentCode = field(0);
+    launch.ShowMode = field(1);
+    launch.IniPrefix = field(2);
+    launch.AppPath = field(3);
+    launch.FixedSampleId = field(4);
+    launch.Spare5 = field(5);
+    launch.RunMarkDefault = field(6);
+    if (launch.ShowMode.isEmpty()) launch.ShowMode = u"0"_s;
+    if (launch.Spare5.isEmpty()) launch.Spare5 = u"0"_s;
+    return launch;
+}
+
+QString JoinArguments(int argc, const char* const* argv) {
+    QStringList parts;
+    for (int i = 1; i < argc; ++i) parts.append(QString::fromLocal8Bit(argv[i]));
+    return parts.join(u' ');
+}
+
+void RunLoadEventStart(const QString& commandLine) {
+    const LaunchFields launch = ParseCommandLine(commandLine);
+    RunContext& ctx = Ctx();
+    ctx.InstrumentCode = launch.InstrumentCode;
+    ctx.ShowMode = launch.ShowMode;
+    ctx.IniPrefix = launch.IniPrefix;
+    ctx.AppPath = launch.AppPath;
+    ctx.FixedSampleId = launch.FixedSampleId;
+    ctx.OutSerial = 0;
+    ctx.Spare5 = launch.Spare5;
+    ctx.RunMarkDefault = launch.RunMarkDefault;
+
+    ctx.OrderTable.clear();
+    ctx.OrderRowCount = 0;
+
+    // The character of code 128 in the ANSI code page.
+    Form().HiddenChar = DecodeAnsi(QByteArray(1, '\x80'));
+
+    LogEvent(u"プログラム開始 --   "_s, u"プログラム開始 -- "_s, LogForm::Full);
+}
+
+bool ShowsConsole(const QString& showMode) {
+    const auto mode = ToDouble(showMode);
+    return mode && *mode == 1.0;
+}
+
+}  // namespace orbline

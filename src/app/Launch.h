@@ -1,0 +1,31 @@
+#pragma once
+// The command line: one text, every "/" removed, split on "=", each field trimmed of blanks.
+// Seven fields; missing ones stay empty.
+
+#include <QString>
+#include <QStringList>
+
+namespace orbline {
+
+struct LaunchFields {
+    QString InstrumentCode;  // field 0
+    QString ShowMode;        // field 1, "0" when empty
+    QString IniPrefix;       // field 2
+    QString AppPath;         // field 3
+    QString FixedSampleId;   // field 4
+    QString Spare5;          // field 5, "0" when empty
+    QString RunMarkDefault;  // field 6
+};
+
+LaunchFields ParseCommandLine(const QString& commandLine);
+// On POSIX the parent's arguments are joined by one blank into the one text.
+QString JoinArguments(int argc, const char* const* argv);
+
+// The launch part of the form's load event: the fields into RunContext (OutSerial set to 0
+// between fields 4 and 5), the order staging emptied, the hidden character, the start line.
+void RunLoadEventStart(const QString& commandLine);
+
+// ShowMode as a number is exactly 1: the console is shown.
+bool ShowsConsole(const QString& showMode);
+
+}  // namespace orbline

@@ -1,0 +1,23 @@
+// kv_orbline: one process per instrument. The parent passes everything on the command line.
+
+#include "app/AwIni.h"
+#include "app/Launch.h"
+#include "app/Settings.h"
+
+#include <QCoreApplication>
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    using namespace orbline;
+
+    RunLoadEventStart(JoinArguments(argc, argv));
+
+    const AwIni ini;
+    ReadUserSettings(ini);
+    ReadNames(ini);
+    ReadLineSettings(ini);
+    ReadDelimiter(ini);
+    ReadOtherSettings(ini);
+    ReadInstrumentOnlySettings(ini);
+    return 0;
+}

@@ -1,0 +1,24 @@
+#pragma once
+// The console box: newest line on top. What is kept for display is capped so that a session
+// of months does not grow the text without end; the files are not affected by the cap.
+
+#include <QString>
+
+namespace orbline {
+
+class ConsoleText {
+public:
+    explicit ConsoleText(qsizetype capChars = 256 * 1024) : cap_(capChars) {}
+
+    // message + CR LF + the old text.
+    void prepend(const QString& message);
+    // Cmd_Log empties the box; the next event starts a new text.
+    void clear() { text_.clear(); }
+    const QString& text() const { return text_; }
+
+private:
+    qsizetype cap_;
+    QString text_;
+};
+
+}  // namespace orbline

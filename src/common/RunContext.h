@@ -1,0 +1,136 @@
+#pragma once
+// The program-wide fields that every module reads and writes. One instance lives as long as
+// the process; everything runs on the one logic thread, so there is no locking.
+//
+// It lives below every other module (not in app/) because the dialogues and the edits, which
+// app/ depends on, read and write it as much as the shell does.
+
+#include "common/BoundedStore.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+
+namespace orbline {
+
+struct RunContext {
+    // Launch fields, filled by the load event from the command line.
+    QString InstrumentCode;
+    QString IniPrefix;
+    QString ShowMode;
+    QString AppPath;
+    QString FixedSampleId;
+    QString Spare5;
+    QString RunMarkDefault;
+
+    // Settings fields, filled by the start command from the settings file.
+    std::int32_t PortNo = 0;
+    std::int32_t BaudRateNo = 0;
+    std::int32_t DataBitsNo = 0;
+    float StopBitsNo = 0;
+    QString ParityCode;
+    QString HandshakeCode;
+    std::int32_t TimeOutMs = 0;
+    QString InstrumentName;
+    QString InstrumentName2;
+    QString CrpName;
+    QString DelimiterNo;
+    QString IDEntry;
+    QString InData;
+    QString LaboOut;
+    QString Log;
+    QString Tani;
+    QString LogMeisai;
+    QString Interval;
+    QString Tusin;
+    QString HbA1c;
+    QString OutPath;
+    QString OutFile;
+    QString OutIP;
+    QString OrderPT;
+    QString OrderKey;
+    QString OrderPath;
+    QString OrderPath2;
+    QString FT01Format;
+    QString DbPath;
+    QString JyusinDataPath;
+    QString JyusinDataPath2;
+    QString JyusinWKPath;
+    // POSIX only: a device path that replaces /dev/ttyS(n-1) for port number n.
+    QString Device;
+
+    // Session fields.
+    std::int32_t StopRequested = 0;  // written only
+    std::int32_t LoopMode = 0;       // written only
+    QString LoopCount;               // written only
+    std::int16_t AbendFlag = 0;
+    QString AbendText;
+    QString OutFolder;
+    std::int32_t OutSerial = 0;
+
+    // Working fields of a dialogue and of a result edit.
+    BoundedArray<QString> ReceiveBuffer{10};
+    BoundedArray<QString> BlockList{5000};
+    std::int16_t BlockCount = 0;
+    QByteArray SendBytes;
+    QString ResultLine;
+
+    QString KensaDate;
+    QString KensaTime;
+    QString RunMark;
+    QString SampleId;
+    QString SampleSeq;
+    QString ItemCode;
+    QString ItemName;
+    QString JudgeFlag;
+    QString Judge1;
+    QString Judge2;
+    QString Extra1;
+    QString ResultValue;
+    QString ResultUnit;
+    QString ResultKind;
+    QString Extra2;
+    QString Extra3;
+    QString ResultComment;
+
+    BoundedTable RecordFields{100, 100};
+    std::int16_t RecordCount = 0;
+    QString QueryMark0980;
+    QString QueryMark1160;
+    QString QueryMark1190;
+    QString EditMode;
+    QString EditMode1730;
+    QString EchoSender;
+    QString EchoVersion;
+    QString RecordStage1730;
+    BoundedArray<QString> JyusinBuf{100};
+    std::int16_t JyusinCnt2140 = 0;
+    std::int16_t JyusinCnt2990 = 0;
+    BoundedArray<QString> RawBlockList{5000};
+    std::int16_t RawBlockCount = 0;
+    QString BlockEnd1671;
+    std::int16_t PressureRowCount = 0;
+    BoundedArray<QString> ItemNames{500};
+    BoundedArray<QString> ItemCodes{500};
+    BoundedArray<QString> ItemUnits{500};
+    std::int16_t ItemCount = 0;
+    std::int16_t ItemCount1650 = 0;
+    BoundedTable OptionTable2140{1000, 10};
+    std::int16_t OptionCount2140 = 0;
+    BoundedTable KensaKomokuTable2990{1000, 10};
+    std::int16_t KensaKomokuCount2990 = 0;
+
+    // Order store. The connection and the recordset are Qt Sql objects made per operation
+    // by the order store itself; here stand the statement and the staging table.
+    QString OrderSql;
+    BoundedTable OrderTable{1000, 100};
+    std::int32_t OrderRowCount = 0;
+};
+
+// The one instance.
+RunContext& Ctx();
+// Tests start each case from a fresh context.
+void ResetRunContext();
+
+}  // namespace orbline

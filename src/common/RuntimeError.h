@@ -1,0 +1,46 @@
+#pragma once
+// The error model: procedures that pass over their errors run each step through PassOver;
+// procedures with an error exit let RuntimeError reach their edge, which ends the process.
+
+#include <QString>
+
+#include <exception>
+#include <utility>
+
+namespace orbline {
+
+class RuntimeError : public std::exception {
+public:
+    explicit RuntimeError(QString description) : description_(std::move(description)) {}
+    const QString& description() const noexcept { return description_; }
+    const char* what() const noexcept override { return "orbline::RuntimeError"; }
+
+private:
+    QString description_;
+};
+
+// The descriptions the runtime gives for the faults this system can meet; they end up in
+// AbendText and so in the main log.
+namespace errors {
+QString InvalidArgument();    // a position or length out of range
+QString SubscriptOutOfRange();
+QString TypeMismatch();
+QString Overflow();
+QString FileNotFound();
+QString PathNotFound();
+QString FileAccess();
+}  // namespace errors
+
+// Runs one step; a RuntimeError inside it is swallowed so that the next step runs.
+// Returns whether the step ran to its end.
+template <typename Step>
+bool PassOver(Step&& step) {
+    try {
+        std::forward<Step>(step)();
+        return true;
+    } catch (const RuntimeError&) {
+        return false;
+    }
+}
+
+}  // namespace orbline

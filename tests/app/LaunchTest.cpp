@@ -1,0 +1,94 @@
+#include "app/Launch.h"
+#include "common/AnsiCodec.h"
+#include "common/Form.h"
+#include "common/RunContext.h"
+#include "support/TestSite.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+using namespace orbline;
+using orbline::test::TestSite;
+
+TEST(CommandLine, SevenFieldsSlashesRemovedAndDefaults) {
+    const LaunchFields all = ParseCommandLine(u" 2620 = 1 =TN= \\kv\\site =00123= 9 = R "_s);
+    EXPECT_EQ(all.InstrumentCode, u"2620"_s);
+    EXPECT_EQ(all.ShowMode, u"1"_s);
+    EXPECT_EQ(all.IniPrefix, u"TN"_s);
+    EXPECT_EQ(all.AppPath, u"\\kv\\site"_s);
+    EXPECT_EQ(all.FixedSampleId, u"00123"_s);
+    EXPECT_EQ(all.Spare5, u"9"_s);
+    EXPECT_EQ(all.RunMarkDefault, u"R"_s);
+
+    const LaunchFields bare = ParseCommandLine(u"0980"_s);
+    EXPECT_EQ(bare.InstrumentCode, u"0980"_s);
+    EXPECT_EQ(bare.ShowMode, u"0"_s);
+    EXPECT_EQ(bare.Spare5, u"0"_s);
+    EXPECT_EQ(bare.AppPath, QString());
+
+    EXPECT_EQ(ParseCommandLine(u"/"_s).InstrumentCode, QString());
+    EXPECT_EQ(ParseCommandLine(u"1190=0=AB=C:/kv"_s).AppPath, u"C:kv"_s);
+    // An "=" in a path shifts every later field.
+    const LaunchFields shifted = ParseCommandLine(u"1190=0=AB=\\a=b=ID"_s);
+    EXPECT_EQ(shifted.AppPath, u"\\a"_s);
+    EXPECT_EQ(shifted.FixedSampleId, u"b"_s);
+    EXPECT_EQ(shifted.Spare5, u"ID"_s);
+    EXPECT_EQ(ParseCommandLine(u"1190=0=AB=x=   "_s).FixedSampleId, QString());
+}
+
+TEST(CommandLine, ShowModeIsTestedAsANumber) {
+    EXPECT_TRUE(ShowsConsole(u"1"_s));
+    EXPECT_TRUE(ShowsConsole(u"1.0"_s));
+    EXPECT_FALSE(ShowsConsole(u"2"_s));
+    EXPECT_FALSE(ShowsConsole(u"0"_s));
+    EXPECT_FALSE(ShowsConsole(u"one"_s));
+}
+
+TEST(CommandLine, PosixArgumentsJoinWithOneBlank) {
+    const char* argv[] = {"kv_orbline", "2620=0=TN=\\opt\\kv", "=ID", "=0"};
+    EXPECT_EQ(JoinArguments(4, argv), u"2620=0=TN=\\opt\\kv =ID =0"_s);
+}
+
+TEST(LoadEvent, FillsTheContextAndLogsTheStart) {
+    TestSite site;
+    Ctx().OutSerial = 5;
+    Ctx().OrderRowCount = 3;
+    Ctx().OrderTable.put(1, 1, u"x"_s);
+    RunLoadEventStart(u"2620=0=TN="_s + site.path() + u"==="_s);
+    EXPECT_EQ(Ctx().OutSerial, 0);
+    EXPECT_EQ(Ctx().OrderRowCount, 0);
+    EXPECT_EQ(Ctx().OrderTable.get(1, 1), QString());
+    EXPECT_EQ(Ctx().Spare5, u"0"_s);
+    EXPECT_EQ(Form().HiddenChar, QString(QChar(0x80)));
+    EXPECT_EQ(DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)),
+              u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"_s);
+}
+
+TEST(Executable, WritesItsStartLineUnderABackslashAppPath) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QString appPath = dir.path();
+    appPath.replace(u'/', u'\\');
+    QFile ini(dir.path() + u"/KV_Orbline.ini"_s);
+    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write("[User]\r\n[TNMC]\r\nName=TOMEY\r\n");
+    ini.close();
+
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(u"KV_ORBLINE_NOW"_s, u"2025-04-16 09:30:15"_s);
+    process.setProcessEnvironment(env);
+    // The parent's one command line arrives split into arguments on POSIX.
+    process.start(QString::fromLocal8Bit(KV_ORBLINE_EXE), {u"2620=0=TN="_s + appPath, u"=ID"_s});
+    ASSERT_TRUE(process.waitForFinished(20000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+
+    QFile log(dir.path() + u"/Tesvane2620.log"_s);
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    EXPECT_EQ(DecodeAnsi(log.readAll()),
+              u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"_s);
+}

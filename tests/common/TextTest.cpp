@@ -1,0 +1,91 @@
+#include "common/RuntimeError.h"
+#include "common/Text.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace orbline;
+
+TEST(Text, PositionsCountFromOneAndOutOfRangeArgumentsThrow) {
+    const QString s = u"ABCDEF"_s;
+    EXPECT_EQ(Mid(s, 1, 2), u"AB"_s);
+    EXPECT_EQ(Mid(s, 3), u"CDEF"_s);
+    EXPECT_EQ(Mid(s, 6, 10), u"F"_s);
+    EXPECT_EQ(Mid(s, 7), QString());
+    EXPECT_EQ(Mid(s, 100, 2), QString());
+    EXPECT_EQ(Left(s, 10), s);
+    EXPECT_EQ(Right(s, 2), u"EF"_s);
+    EXPECT_EQ(Left(s, 0), QString());
+    EXPECT_THROW(Mid(s, 0), RuntimeError);
+    EXPECT_THROW(Mid(s, 1, -1), RuntimeError);
+    EXPECT_THROW(Left(s, -1), RuntimeError);
+    EXPECT_THROW(Right(s, -1), RuntimeError);
+
+    EXPECT_EQ(InStr(s, u"CD"_s), 3);
+    EXPECT_EQ(InStr(4, s, u"CD"_s), 0);
+    EXPECT_EQ(InStr(s, u"X"_s), 0);
+    EXPECT_EQ(InStr(3, s, QString()), 3);
+    EXPECT_EQ(InStr(u"a,b,c"_s, u","_s), 2);
+    EXPECT_EQ(InStr(3, u"a,b,c"_s, u","_s), 4);
+    EXPECT_EQ(InStr(9, s, u"A"_s), 0);
+    EXPECT_THROW(InStr(0, s, u"A"_s), RuntimeError);
+    // Japanese text counts characters, not bytes.
+    EXPECT_EQ(Mid(u"【検査： 2620"_s, 6, 4), u"2620"_s);
+}
+
+TEST(Text, TrimRemovesBlanksOnly) {
+    EXPECT_EQ(Trim(u"  12.5  "_s), u"12.5"_s);
+    EXPECT_EQ(Trim(u"\t12\r\n"_s), u"\t12\r\n"_s);
+    EXPECT_EQ(Trim(u"　全角　"_s), u"　全角　"_s);
+    EXPECT_EQ(Trim(u"   "_s), QString());
+    EXPECT_EQ(LTrim(u"  a  "_s), u"a  "_s);
+    EXPECT_EQ(RTrim(u"  a  "_s), u"  a"_s);
+}
+
+TEST(Text, SplitKeepsEmptyFieldsAndGivesNothingForTheEmptyText) {
+    EXPECT_TRUE(Split(QString(), u","_s).isEmpty());
+    EXPECT_EQ(Split(u"a,"_s, u","_s), (QStringList{u"a"_s, QString()}));
+    EXPECT_EQ(Split(u",,"_s, u","_s).size(), 3);
+    EXPECT_EQ(Split(u"H|\\^&|||"_s, u"|"_s).size(), 5);
+    const QStringList fields = Split(u"a,b"_s, u","_s);
+    EXPECT_EQ(FieldAt(fields, 1), u"b"_s);
+    EXPECT_FALSE(FieldAt(fields, 2).has_value());
+    EXPECT_FALSE(FieldAt(fields, -1).has_value());
+    EXPECT_THROW(CheckedField(fields, 2), RuntimeError);
+}
+
+TEST(Text, LineEndRules) {
+    const QString text = u"a\r\nb\rc\nd\r\n\r\ne"_s;
+    EXPECT_EQ(SplitLines(text, LineEnds::CrLfOrCrOrLf),
+              (QStringList{u"a"_s, u"b"_s, u"c"_s, u"d"_s, QString(), u"e"_s}));
+    // A lone LF stays in its line.
+    EXPECT_EQ(SplitLines(text, LineEnds::CrOrCrLf),
+              (QStringList{u"a"_s, u"b"_s, u"c\nd"_s, QString(), u"e"_s}));
+    EXPECT_EQ(SplitLines(u"x\r\n"_s, LineEnds::CrOrCrLf), (QStringList{u"x"_s}));
+    EXPECT_EQ(SplitLines(u"\r\n"_s, LineEnds::CrOrCrLf), (QStringList{QString()}));
+    EXPECT_TRUE(SplitLines(QString(), LineEnds::CrOrCrLf).isEmpty());
+    // CR at the very end followed by nothing, and LF CR as two line ends.
+    EXPECT_EQ(SplitLines(u"x\n\ry"_s, LineEnds::CrLfOrCrOrLf),
+              (QStringList{u"x"_s, QString(), u"y"_s}));
+}
+
+TEST(Text, FixedFieldPaddingFillsAndCuts) {
+    EXPECT_EQ(PadLeftFixed(u"123"_s, 6, u"0"_s), u"000123"_s);
+    EXPECT_EQ(PadRightFixed(u"123"_s, 6, u" "_s), u"123   "_s);
+    EXPECT_EQ(PadLeftFixed(u"1234567"_s, 4, u" "_s), u"4567"_s);
+    EXPECT_EQ(PadRightFixed(u"1234567"_s, 4, u" "_s), u"1234"_s);
+    EXPECT_EQ(PadLeftFixed(QString(), 3, u"xy"_s), u"xxx"_s);
+    EXPECT_EQ(PadLeftFixed(u"ab"_s, 0, u" "_s), QString());
+    EXPECT_THROW(PadLeftFixed(u"a"_s, 3, QString()), RuntimeError);
+}
+
+TEST(Text, PassOverSkipsAFailingStepAndRunsTheNext) {
+    QString kept = u"old"_s;
+    int ran = 0;
+    const bool first = PassOver([&] { kept = Mid(u"abc"_s, 0, 1); });
+    const bool second = PassOver([&] { ++ran; });
+    EXPECT_FALSE(first);
+    EXPECT_TRUE(second);
+    EXPECT_EQ(kept, u"old"_s);
+    EXPECT_EQ(ran, 1);
+}
