@@ -18,7 +18,8 @@ bool IsNumeric(const QString& text);
 // The plain decimal text of a numeric text: no sign for a positive value, no leading zeros
 // (one "0" stays before the point), no trailing zeros behind the point, no point without
 // decimals, no exponent. "0012345" gives "12345", "-0.50" gives "-0.5", "1E3" gives "1000".
-// A text that is not numeric comes back unchanged.
+// A text that is not numeric, or a value beyond the double range, comes back unchanged; a value
+// below 1E-400 is "0".
 QString PlainDecimalText(const QString& text);
 
 // Formats a numeric text with a mask of "0" (digit always shown), "#" (digit shown only if
