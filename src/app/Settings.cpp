@@ -82,4 +82,13 @@ void ReadInstrumentOnlySettings(const AwIni& ini) {
     if (Ctx().InstrumentCode == u"2620"_s) Ctx().FT01Format = Read(ini, u"FT01Format"_s, u"0"_s);
 }
 
+void ReadSettings(const AwIni& ini) {
+    ReadUserSettings(ini);
+    ReadNames(ini);
+    ReadLineSettings(ini);
+    ReadDelimiter(ini);
+    ReadOtherSettings(ini);
+    ReadInstrumentOnlySettings(ini);
+}
+
 }  // namespace orbline

@@ -23,5 +23,7 @@ void ReadDelimiter(const AwIni& ini);
 void ReadOtherSettings(const AwIni& ini);
 // FT01Format, for the tonometer only (default "0").
 void ReadInstrumentOnlySettings(const AwIni& ini);
+// All of the above, in the start command's order.
+void ReadSettings(const AwIni& ini);
 
 }  // namespace orbline

@@ -12,12 +12,6 @@ int main(int argc, char** argv) {
 
     RunLoadEventStart(JoinArguments(argc, argv));
 
-    const AwIni ini;
-    ReadUserSettings(ini);
-    ReadNames(ini);
-    ReadLineSettings(ini);
-    ReadDelimiter(ini);
-    ReadOtherSettings(ini);
-    ReadInstrumentOnlySettings(ini);
+    ReadSettings(AwIni());
     return 0;
 }

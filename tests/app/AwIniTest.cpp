@@ -49,13 +49,7 @@ TEST(Settings, AnEmptySectionGivesTheDefaults) {
     TestSite site;
     Ctx().IniPrefix = u"TN"_s;
     site.writeFile(u"KV_Orbline.ini"_s, "[User]\r\n[TNMC]\r\n");
-    const AwIni ini;
-    ReadUserSettings(ini);
-    ReadNames(ini);
-    ReadLineSettings(ini);
-    ReadDelimiter(ini);
-    ReadOtherSettings(ini);
-    ReadInstrumentOnlySettings(ini);
+    ReadSettings(AwIni());
     const RunContext& c = Ctx();
     EXPECT_EQ(c.DbPath, site.path());
     EXPECT_EQ(c.JyusinDataPath, QString());
@@ -83,14 +77,8 @@ TEST(Settings, EveryKeyIsReadIntoItsField) {
                               u"TimeOut=abc\r\nDelimiter=2\r\nIDEntry=2\r\nLog=1\r\nTusin=0\r\n"
                               u"OrderPT=4\r\nOrderPath=\\orders\r\nOutIP=1\r\nFT01Format=1\r\n"
                               u"Device=/dev/serial/by-id/usb-FTDI\r\n"_s));
-    const AwIni ini;
     Ctx().TimeOutMs = 77;
-    ReadUserSettings(ini);
-    ReadNames(ini);
-    ReadLineSettings(ini);
-    ReadDelimiter(ini);
-    ReadOtherSettings(ini);
-    ReadInstrumentOnlySettings(ini);
+    ReadSettings(AwIni());
     const RunContext& c = Ctx();
     EXPECT_EQ(c.DbPath, u"\\db"_s);
     EXPECT_EQ(c.JyusinDataPath2, u"\\data2"_s);

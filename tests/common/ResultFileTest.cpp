@@ -131,7 +131,7 @@ TEST(Delivery, AFailedMoveThrowsAndKeepsTheWorkFile) {
     EXPECT_TRUE(FileExists(work));
 }
 
-TEST(Delivery, AcrossFileSystemsNoPartialFileIsVisible) {
+TEST(Delivery, AcrossFileSystemsTheFileArrivesWholeAndNoStagingNameStays) {
     struct stat tmpStat {};
     struct stat shmStat {};
     if (::stat("/dev/shm", &shmStat) != 0 || ::stat(QDir::tempPath().toLocal8Bit(), &tmpStat) != 0 ||
