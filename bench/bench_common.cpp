@@ -42,9 +42,8 @@ void BM_FormatResultValue(benchmark::State& state) {
     const QString values[] = {u"12.30"_s, u"00125"_s, u"<3.0"_s, u"0.05"_s, u"1234567.891"_s};
     for (auto _ : state)
         for (const QString& v : values)
-            benchmark::DoNotOptimize(
-                FormatNumber(v, MakeNumberMask(static_cast<std::int16_t>(v.size()),
-                                               DecimalPointPos(v))));
+            benchmark::DoNotOptimize(FormatNumber(
+                v, MakeNumberMask(static_cast<std::int16_t>(v.size()), DecimalPointPos(v))));
     state.SetItemsProcessed(state.iterations() * 5);
 }
 BENCHMARK(BM_FormatResultValue);

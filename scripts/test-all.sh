@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is needed, builds with warnings as errors, runs every test; then the same
 # suite under the address and undefined-behaviour sanitizers; then the Windows sources through
-# the cross compiler's syntax check.
+# the cross compiler's syntax check; last the format and clang-tidy checks.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -22,3 +22,10 @@ ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
 
 echo "== Windows sources, syntax only =="
 scripts/check-win32.sh
+
+echo "== static checks =="
+git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+run-clang-tidy -p build -quiet "$(pwd)/src/" >/tmp/orbline-clang-tidy.log 2>&1 || {
+    grep -E "error:|warning:" /tmp/orbline-clang-tidy.log | head -50
+    exit 1
+}

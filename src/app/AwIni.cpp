@@ -18,7 +18,9 @@ namespace {
 // The profile call's buffer holds 256 bytes, the last of them the terminating zero.
 constexpr qsizetype kValueBytes = 255;
 
-bool IsProfileBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsProfileBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 
 QByteArray StripBlanks(const QByteArray& bytes) {
     qsizetype first = 0;
@@ -85,7 +87,9 @@ QString ProfileString(const QByteArray& fileBytes, const QString& section, const
     return Trim(DecodeAnsi(value.left(kValueBytes)));
 }
 
-QString AwIni::FilePath() { return Ctx().AppPath + u"\\KV_Orbline.ini"_s; }
+QString AwIni::FilePath() {
+    return Ctx().AppPath + u"\\KV_Orbline.ini"_s;
+}
 
 QString AwIni::GetValue(const QString& section, const QString& key,
                         const QString& defaultValue) const {

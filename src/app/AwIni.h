@@ -9,7 +9,7 @@
 namespace orbline {
 
 class AwIni {
-public:
+  public:
     // The value, or default when the key (or the file, or the section) is missing.
     QString GetValue(const QString& section, const QString& key, const QString& defaultValue) const;
     // Writes the key, an empty value included. Nothing in the system calls it.

@@ -23,7 +23,9 @@ void ReadNumber(const AwIni& ini, const QString& key, T& field, Convert convert)
 
 }  // namespace
 
-QString InstrumentSection() { return Ctx().IniPrefix + u"MC"_s; }
+QString InstrumentSection() {
+    return Ctx().IniPrefix + u"MC"_s;
+}
 
 void ReadUserSettings(const AwIni& ini) {
     RunContext& c = Ctx();
@@ -42,7 +44,9 @@ void ReadNames(const AwIni& ini) {
     c.InstrumentName2 = Read(ini, u"Name2"_s, c.InstrumentName);
 }
 
-QString FormCaption() { return u"("_s + Ctx().InstrumentCode + u") "_s + Ctx().InstrumentName2; }
+QString FormCaption() {
+    return u"("_s + Ctx().InstrumentCode + u") "_s + Ctx().InstrumentName2;
+}
 
 void ReadLineSettings(const AwIni& ini) {
     RunContext& c = Ctx();
@@ -55,7 +59,9 @@ void ReadLineSettings(const AwIni& ini) {
     ReadNumber(ini, u"TimeOut"_s, c.TimeOutMs, ToInt32);
 }
 
-void ReadDelimiter(const AwIni& ini) { Ctx().DelimiterNo = Read(ini, u"Delimiter"_s); }
+void ReadDelimiter(const AwIni& ini) {
+    Ctx().DelimiterNo = Read(ini, u"Delimiter"_s);
+}
 
 void ReadOtherSettings(const AwIni& ini) {
     RunContext& c = Ctx();

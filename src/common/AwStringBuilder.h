@@ -10,7 +10,7 @@
 namespace orbline {
 
 class AwStringBuilder {
-public:
+  public:
     AwStringBuilder();
 
     std::int32_t Length() const { return length_; }
@@ -19,7 +19,7 @@ public:
     void Append(const QString& text);
     QString ToString() const;
 
-private:
+  private:
     QString buffer_;
     std::int32_t capacity_;
     std::int32_t length_ = 0;

@@ -13,7 +13,7 @@ namespace orbline {
 
 template <typename T>
 class BoundedArray {
-public:
+  public:
     explicit BoundedArray(qsizetype upperBound) : items_(static_cast<size_t>(upperBound + 1)) {}
 
     qsizetype upperBound() const { return static_cast<qsizetype>(items_.size()) - 1; }
@@ -36,15 +36,16 @@ public:
     }
     void clear() { std::fill(items_.begin(), items_.end(), T{}); }
 
-private:
+  private:
     std::vector<T> items_;
 };
 
 // Two-dimensional text table, rows and columns 0..bound.
 class BoundedTable {
-public:
+  public:
     BoundedTable(qsizetype rowBound, qsizetype columnBound)
-        : rows_(rowBound + 1), columns_(columnBound + 1),
+        : rows_(rowBound + 1),
+          columns_(columnBound + 1),
           cells_(static_cast<size_t>(rows_ * columns_)) {}
 
     qsizetype rowBound() const { return rows_ - 1; }
@@ -65,7 +66,7 @@ public:
     }
     void clear() { std::fill(cells_.begin(), cells_.end(), QString()); }
 
-private:
+  private:
     size_t index(qsizetype row, qsizetype column) const {
         return static_cast<size_t>(row * columns_ + column);
     }

@@ -27,7 +27,9 @@ struct Piece {
     QChar literal;
 };
 
-QString Digits(int value, int width) { return QString::number(value).rightJustified(width, u'0'); }
+QString Digits(int value, int width) {
+    return QString::number(value).rightJustified(width, u'0');
+}
 
 }  // namespace
 
@@ -105,7 +107,9 @@ QString FormatDateTime(const QDateTime& when, const QString& pattern) {
     return out;
 }
 
-QString NowText(const QString& pattern) { return FormatDateTime(Now(), pattern); }
+QString NowText(const QString& pattern) {
+    return FormatDateTime(Now(), pattern);
+}
 
 double TimeScale() {
     static const double scale = [] {

@@ -7,8 +7,8 @@
 namespace orbline {
 
 class ConsoleText {
-public:
-    explicit ConsoleText(qsizetype capChars = 256 * 1024) : cap_(capChars) {}
+  public:
+    explicit ConsoleText(qsizetype capChars = qsizetype{256} * 1024) : cap_(capChars) {}
 
     // message + CR LF + the old text.
     void prepend(const QString& message);
@@ -16,7 +16,7 @@ public:
     void clear() { text_.clear(); }
     const QString& text() const { return text_; }
 
-private:
+  private:
     qsizetype cap_;
     QString text_;
 };

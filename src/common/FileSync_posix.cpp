@@ -15,7 +15,9 @@ bool SyncPath(const std::filesystem::path& path, int flags) {
 }
 }  // namespace
 
-bool SyncFile(const std::filesystem::path& file) { return SyncPath(file, O_RDONLY); }
+bool SyncFile(const std::filesystem::path& file) {
+    return SyncPath(file, O_RDONLY);
+}
 
 bool SyncFolder(const std::filesystem::path& folder) {
     return SyncPath(folder, O_RDONLY | O_DIRECTORY);

@@ -14,6 +14,8 @@ bool SyncFile(const std::filesystem::path& file) {
 }
 
 // NTFS commits a rename in its journal; there is no folder handle to flush.
-bool SyncFolder(const std::filesystem::path&) { return true; }
+bool SyncFolder(const std::filesystem::path&) {
+    return true;
+}
 
 }  // namespace orbline

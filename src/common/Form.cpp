@@ -11,8 +11,12 @@ std::unique_ptr<Form_TesvaneMain>& Instance() {
 }
 }  // namespace
 
-Form_TesvaneMain& Form() { return *Instance(); }
+Form_TesvaneMain& Form() {
+    return *Instance();
+}
 
-void ResetForm() { Instance() = std::make_unique<Form_TesvaneMain>(); }
+void ResetForm() {
+    Instance() = std::make_unique<Form_TesvaneMain>();
+}
 
 }  // namespace orbline

@@ -16,40 +16,54 @@ namespace orbline {
 
 namespace {
 
-QString LogTime() { return NowText(u"YYYY-MM-DD HH:MM:SS"_s); }
+QString LogTime() {
+    return NowText(u"YYYY-MM-DD HH:MM:SS"_s);
+}
 
-QString Number4(std::int16_t value) { return FormatNumber(QString::number(value), u"0000"_s); }
+QString Number4(std::int16_t value) {
+    return FormatNumber(QString::number(value), u"0000"_s);
+}
 
 // AppPath\<store>\YYYYMM, made level by level when missing.
 QString MonthFolder(const QString& store) {
     const QString top = Ctx().AppPath + u"\\"_s + store;
     if (!FolderExists(top)) MakeFolder(top);
-    const QString month = top + u"\\"_s + NowText(u"YYYYMM"_s);
+    QString month = top + u"\\"_s + NowText(u"YYYYMM"_s);
     if (!FolderExists(month)) MakeFolder(month);
     return month;
 }
 
-bool LogSwitchedOn() { return Ctx().Log == u"1"_s; }
+bool LogSwitchedOn() {
+    return Ctx().Log == u"1"_s;
+}
 
 }  // namespace
 
-QString Code4() { return FormatNumber(Ctx().InstrumentCode, u"0000"_s); }
+QString Code4() {
+    return FormatNumber(Ctx().InstrumentCode, u"0000"_s);
+}
 
-QString ShortForm(const QString& text) { return text + Code4() + u":"_s + LogTime(); }
+QString ShortForm(const QString& text) {
+    return text + Code4() + u":"_s + LogTime();
+}
 
 QString FullForm(const QString& text) {
     const RunContext& ctx = Ctx();
     return text + Code4() + u"-"_s + ctx.SampleId + u"-"_s + ctx.RunMark + u":"_s + LogTime();
 }
 
-QString MainLogPath() { return Ctx().AppPath + u"\\Tesvane"_s + Code4() + u".log"_s; }
+QString MainLogPath() {
+    return Ctx().AppPath + u"\\Tesvane"_s + Code4() + u".log"_s;
+}
 
 QString RotatedLogPath() {
     return Ctx().AppPath + u"\\Tesvane_ "_s + Code4() + u"_"_s + NowText(u"YYYY-MM-DD"_s) +
            u".log"_s;
 }
 
-void GLogEdit(const QString& /*kind*/, const QString& message) { Form().Txt_Log.prepend(message); }
+void GLogEdit(const QString& /*kind*/, const QString& message) {
+    Form().Txt_Log.prepend(message);
+}
 
 void GLogWrite(const QString& kind, QString& message) {
     const QString path = MainLogPath();
@@ -57,8 +71,8 @@ void GLogWrite(const QString& kind, QString& message) {
         CopyFileOver(path, RotatedLogPath());
         DeleteFile(path);
     }
-    message = u"【検査： "_s + Ctx().InstrumentCode + u"-"_s + kind + u"-"_s + LogTime() +
-              u"】"_s + message;
+    message = u"【検査： "_s + Ctx().InstrumentCode + u"-"_s + kind + u"-"_s + LogTime() + u"】"_s +
+              message;
     AppendLine(path, message);
 }
 

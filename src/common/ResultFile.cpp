@@ -44,11 +44,11 @@ void CleanResultValue() {
 QString ResultRecord() {
     CleanResultValue();
     RunContext& c = Ctx();
-    const QStringList fields{c.KensaDate,   c.KensaTime,      c.RunMark,  c.SampleId,
-                             c.InstrumentCode, c.InstrumentName, c.SampleSeq, c.ItemCode,
-                             c.ItemName,    c.JudgeFlag,      c.Judge1,   c.Judge2,
-                             c.Extra1,      c.ResultValue,    c.ResultUnit, c.ResultKind,
-                             c.Extra2,      c.Extra3,         c.ResultComment};
+    const QStringList fields{c.KensaDate,      c.KensaTime,      c.RunMark,      c.SampleId,
+                             c.InstrumentCode, c.InstrumentName, c.SampleSeq,    c.ItemCode,
+                             c.ItemName,       c.JudgeFlag,      c.Judge1,       c.Judge2,
+                             c.Extra1,         c.ResultValue,    c.ResultUnit,   c.ResultKind,
+                             c.Extra2,         c.Extra3,         c.ResultComment};
     c.ResultLine = fields.join(u',');
     return c.ResultLine;
 }
@@ -71,10 +71,17 @@ void MakeOutFile(const QString& folder, QString& path) {
 std::int16_t HasFiles(std::int16_t kind, const QString& folder) {
     QString pattern;
     switch (kind) {
-        case 1: pattern = u"*.csv"_s; break;
-        case 2: pattern = u"*.txt"_s; break;
-        case 3: pattern = u"*uke.txt"_s; break;
-        default: return 0;
+        case 1:
+            pattern = u"*.csv"_s;
+            break;
+        case 2:
+            pattern = u"*.txt"_s;
+            break;
+        case 3:
+            pattern = u"*uke.txt"_s;
+            break;
+        default:
+            return 0;
     }
     const QStringList names = FilesMatching(folder, pattern);
     return (!names.isEmpty() && names.first().size() > 1) ? 1 : 0;

@@ -11,8 +11,12 @@ std::unique_ptr<RunContext>& Instance() {
 }
 }  // namespace
 
-RunContext& Ctx() { return *Instance(); }
+RunContext& Ctx() {
+    return *Instance();
+}
 
-void ResetRunContext() { Instance() = std::make_unique<RunContext>(); }
+void ResetRunContext() {
+    Instance() = std::make_unique<RunContext>();
+}
 
 }  // namespace orbline

@@ -4,12 +4,26 @@ using namespace Qt::StringLiterals;
 
 namespace orbline::errors {
 
-QString InvalidArgument() { return u"プロシージャの呼び出し、または引数が不正です。"_s; }
-QString SubscriptOutOfRange() { return u"インデックスが有効範囲にありません。"_s; }
-QString TypeMismatch() { return u"型が一致しません。"_s; }
-QString Overflow() { return u"オーバーフローしました。"_s; }
-QString FileNotFound() { return u"ファイルが見つかりません。"_s; }
-QString PathNotFound() { return u"パスが見つかりません。"_s; }
-QString FileAccess() { return u"ファイル アクセス中にエラーが発生しました。"_s; }
+QString InvalidArgument() {
+    return u"プロシージャの呼び出し、または引数が不正です。"_s;
+}
+QString SubscriptOutOfRange() {
+    return u"インデックスが有効範囲にありません。"_s;
+}
+QString TypeMismatch() {
+    return u"型が一致しません。"_s;
+}
+QString Overflow() {
+    return u"オーバーフローしました。"_s;
+}
+QString FileNotFound() {
+    return u"ファイルが見つかりません。"_s;
+}
+QString PathNotFound() {
+    return u"パスが見つかりません。"_s;
+}
+QString FileAccess() {
+    return u"ファイル アクセス中にエラーが発生しました。"_s;
+}
 
 }  // namespace orbline::errors

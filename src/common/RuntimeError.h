@@ -10,19 +10,19 @@
 namespace orbline {
 
 class RuntimeError : public std::exception {
-public:
+  public:
     explicit RuntimeError(QString description) : description_(std::move(description)) {}
     const QString& description() const noexcept { return description_; }
     const char* what() const noexcept override { return "orbline::RuntimeError"; }
 
-private:
+  private:
     QString description_;
 };
 
 // The descriptions the runtime gives for the faults this system can meet; they end up in
 // AbendText and so in the main log.
 namespace errors {
-QString InvalidArgument();    // a position or length out of range
+QString InvalidArgument();  // a position or length out of range
 QString SubscriptOutOfRange();
 QString TypeMismatch();
 QString Overflow();

@@ -34,7 +34,9 @@ QString Right(const QString& text, qsizetype n) {
     return text.right(n);
 }
 
-qsizetype InStr(const QString& text, const QString& find) { return InStr(1, text, find); }
+qsizetype InStr(const QString& text, const QString& find) {
+    return InStr(1, text, find);
+}
 
 qsizetype InStr(qsizetype start, const QString& text, const QString& find) {
     RequireArgument(start >= 1);
@@ -56,7 +58,9 @@ QString RTrim(const QString& text) {
     return text.left(end);
 }
 
-QString Trim(const QString& text) { return LTrim(RTrim(text)); }
+QString Trim(const QString& text) {
+    return LTrim(RTrim(text));
+}
 
 QString RepeatChar(qsizetype count, const QString& fill) {
     RequireArgument(count >= 0 && !fill.isEmpty());

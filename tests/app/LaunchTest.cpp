@@ -64,8 +64,9 @@ TEST(LoadEvent, FillsTheContextAndLogsTheStart) {
     EXPECT_EQ(Ctx().OrderTable.get(1, 1), QString());
     EXPECT_EQ(Ctx().Spare5, u"0"_s);
     EXPECT_EQ(Form().HiddenChar, QString(QChar(0x80)));
-    EXPECT_EQ(DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)),
-              u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"_s);
+    EXPECT_EQ(
+        DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)),
+        u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"_s);
 }
 
 TEST(Executable, WritesItsStartLineUnderABackslashAppPath) {
@@ -89,6 +90,7 @@ TEST(Executable, WritesItsStartLineUnderABackslashAppPath) {
 
     QFile log(dir.path() + u"/Tesvane2620.log"_s);
     ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-    EXPECT_EQ(DecodeAnsi(log.readAll()),
-              u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"_s);
+    EXPECT_EQ(
+        DecodeAnsi(log.readAll()),
+        u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"_s);
 }

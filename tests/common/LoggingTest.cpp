@@ -13,7 +13,9 @@ using namespace orbline;
 using orbline::test::TestSite;
 
 namespace {
-QString Decoded(const QByteArray& bytes) { return DecodeAnsi(bytes); }
+QString Decoded(const QByteArray& bytes) {
+    return DecodeAnsi(bytes);
+}
 }  // namespace
 
 TEST(MainLog, LineFormInTheCodePageWithBothForms) {
@@ -25,14 +27,16 @@ TEST(MainLog, LineFormInTheCodePageWithBothForms) {
     LogFileOnly(u"出力完了(Write) -- "_s, LogForm::Full);
 
     const QByteArray bytes = site.readFile(u"Tesvane2620.log"_s);
-    EXPECT_EQ(Decoded(bytes),
-              u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"
-              u"【検査： 2620-0-2025-04-16 09:30:15】接続終了 -- 2620:2025-04-16 09:30:15\r\n"
-              u"【検査： 2620-0-2025-04-16 09:30:15】出力完了(Write) -- 2620-123-7:2025-04-16 09:30:15\r\n"_s);
+    EXPECT_EQ(
+        Decoded(bytes),
+        u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"
+        u"【検査： 2620-0-2025-04-16 09:30:15】接続終了 -- 2620:2025-04-16 09:30:15\r\n"
+        u"【検査： 2620-0-2025-04-16 09:30:15】出力完了(Write) -- 2620-123-7:2025-04-16 09:30:15\r\n"_s);
     // Shift-JIS on disk: 【 is 81 79.
     EXPECT_TRUE(bytes.startsWith(QByteArray("\x81\x79", 2)));
     // The console has three blanks and the newest line on top.
-    EXPECT_TRUE(Form().Txt_Log.text().startsWith(u"プログラム開始 --   2620--:2025-04-16 09:30:15\r\n"_s));
+    EXPECT_TRUE(
+        Form().Txt_Log.text().startsWith(u"プログラム開始 --   2620--:2025-04-16 09:30:15\r\n"_s));
 }
 
 TEST(MainLog, CodeIsPaddedInTheFileNameAndGLogWriteHandsBackTheLine) {
@@ -58,7 +62,8 @@ TEST(MainLog, RotatesAtOneMillionAndOneBytes) {
     site.writeFile(u"Tesvane2620.log"_s, QByteArray(1000001, 'b'));
     LogFileOnly(u"after -- "_s, LogForm::Short);
     const QByteArray fresh = site.readFile(u"Tesvane2620.log"_s);
-    EXPECT_EQ(Decoded(fresh), u"【検査： 2620-0-2025-04-16 09:30:15】after -- 2620:2025-04-16 09:30:15\r\n"_s);
+    EXPECT_EQ(Decoded(fresh),
+              u"【検査： 2620-0-2025-04-16 09:30:15】after -- 2620:2025-04-16 09:30:15\r\n"_s);
     EXPECT_EQ(site.readFile(u"Tesvane_ 2620_2025-04-16.log"_s), QByteArray(1000001, 'b'));
 
     // A second rotation on the same day overwrites the first copy.
@@ -140,8 +145,9 @@ TEST(AbnormalEnd, LogsTheTextBetweenTheBracketsAndExitsOne) {
     Ctx().AbendFlag = 1;
     Ctx().AbendText = QString();
     EXPECT_EXIT(GAbendExit(), ::testing::ExitedWithCode(1), "");
-    EXPECT_EQ(Decoded(site.readFile(u"Tesvane2620.log"_s)),
-              u"【検査： 2620-0-2025-04-16 09:30:15】プログラム異常終了 -- 【  】2620--:2025-04-16 09:30:15\r\n"_s);
+    EXPECT_EQ(
+        Decoded(site.readFile(u"Tesvane2620.log"_s)),
+        u"【検査： 2620-0-2025-04-16 09:30:15】プログラム異常終了 -- 【  】2620--:2025-04-16 09:30:15\r\n"_s);
 }
 
 TEST(AbnormalEnd, WithoutTheFlagEndsQuietlyWithZero) {

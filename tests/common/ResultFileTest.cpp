@@ -101,7 +101,8 @@ TEST(Delivery, MovesACompleteFileAndLeavesTheWorkFolderEmpty) {
               (QStringList{u"2620-TN-2025041609301600002~KVB.csv"_s}));
     EXPECT_EQ(site.readFile(u"data/2620-TN-2025041609301600002~KVB.csv"_s),
               QByteArray("line1\r\n\x8d\x73\x32\r\n"));
-    EXPECT_TRUE(DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)).contains(u"出力完了(Write) -- 2620-"_s));
+    EXPECT_TRUE(
+        DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)).contains(u"出力完了(Write) -- 2620-"_s));
 }
 
 TEST(Delivery, AnEmptyWorkFileIsDeletedAndNothingIsDelivered) {
@@ -134,8 +135,8 @@ TEST(Delivery, AFailedMoveThrowsAndKeepsTheWorkFile) {
 TEST(Delivery, AcrossFileSystemsTheFileArrivesWholeAndNoStagingNameStays) {
     struct stat tmpStat {};
     struct stat shmStat {};
-    if (::stat("/dev/shm", &shmStat) != 0 || ::stat(QDir::tempPath().toLocal8Bit(), &tmpStat) != 0 ||
-        shmStat.st_dev == tmpStat.st_dev)
+    if (::stat("/dev/shm", &shmStat) != 0 ||
+        ::stat(QDir::tempPath().toLocal8Bit(), &tmpStat) != 0 || shmStat.st_dev == tmpStat.st_dev)
         GTEST_SKIP() << "needs /dev/shm on another file system than the temporary folder";
     TestSite site;
     QTemporaryDir other(u"/dev/shm/orbline-XXXXXX"_s);

@@ -30,7 +30,9 @@ TestSite::TestSite(const char* fixedNow) {
     Ctx().InstrumentCode = u"2620"_s;
 }
 
-TestSite::~TestSite() { SetFixedNow(nullptr); }
+TestSite::~TestSite() {
+    SetFixedNow(nullptr);
+}
 
 QString TestSite::path(const QString& relative) const {
     QString rel = relative;
@@ -54,6 +56,8 @@ QByteArray TestSite::readFile(const QString& relative) const {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-bool TestSite::exists(const QString& relative) const { return QFileInfo::exists(native(relative)); }
+bool TestSite::exists(const QString& relative) const {
+    return QFileInfo::exists(native(relative));
+}
 
 }  // namespace orbline::test

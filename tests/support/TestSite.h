@@ -9,7 +9,7 @@
 namespace orbline::test {
 
 class TestSite {
-public:
+  public:
     explicit TestSite(const char* fixedNow = "2025-04-16 09:30:15");
     ~TestSite();
     TestSite(const TestSite&) = delete;
@@ -25,7 +25,7 @@ public:
     QByteArray readFile(const QString& relative) const;
     bool exists(const QString& relative) const;
 
-private:
+  private:
     QTemporaryDir dir_;
     QString appPath_;
 };
