@@ -21,7 +21,5 @@ TEST(Clock, FormatLettersOfTheSystem) {
 TEST(Clock, FixedNowForTests) {
     ::setenv("KV_ORBLINE_NOW", "2030-12-31 23:59:58", 1);
     EXPECT_EQ(NowText(u"YYYYMMDDHHMMSS"_s), u"20301231235958"_s);
-    ::setenv("KV_ORBLINE_NOW", "not a time", 1);
-    EXPECT_EQ(Now().date().year() >= 2025, true);
     ::unsetenv("KV_ORBLINE_NOW");
 }

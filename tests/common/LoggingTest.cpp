@@ -12,12 +12,6 @@ using namespace Qt::StringLiterals;
 using namespace orbline;
 using orbline::test::TestSite;
 
-namespace {
-QString Decoded(const QByteArray& bytes) {
-    return DecodeAnsi(bytes);
-}
-}  // namespace
-
 TEST(MainLog, LineFormInTheCodePageWithBothForms) {
     TestSite site;
     LogEvent(u"プログラム開始 --   "_s, u"プログラム開始 -- "_s, LogForm::Full);
@@ -28,24 +22,21 @@ TEST(MainLog, LineFormInTheCodePageWithBothForms) {
 
     const QByteArray bytes = site.readFile(u"Tesvane2620.log"_s);
     EXPECT_EQ(
-        Decoded(bytes),
+        DecodeAnsi(bytes),
         u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"
         u"【検査： 2620-0-2025-04-16 09:30:15】接続終了 -- 2620:2025-04-16 09:30:15\r\n"
         u"【検査： 2620-0-2025-04-16 09:30:15】出力完了(Write) -- 2620-123-7:2025-04-16 09:30:15\r\n"_s);
     // Shift-JIS on disk: 【 is 81 79.
     EXPECT_TRUE(bytes.startsWith(QByteArray("\x81\x79", 2)));
-    // The console has three blanks and the newest line on top.
-    EXPECT_TRUE(
-        Form().Txt_Log.text().startsWith(u"プログラム開始 --   2620--:2025-04-16 09:30:15\r\n"_s));
-}
-
-TEST(MainLog, CodeIsPaddedInTheFileNameAndGLogWriteHandsBackTheLine) {
-    TestSite site;
+    // GLogWrite hands back the finished line; a short code is padded in the file name only.
     Ctx().InstrumentCode = u"26"_s;
     QString message = u"x"_s;
     GLogWrite(u"1"_s, message);
     EXPECT_EQ(message, u"【検査： 26-1-2025-04-16 09:30:15】x"_s);
     EXPECT_TRUE(site.exists(u"Tesvane0026.log"_s));
+    // The console has three blanks and the newest line on top.
+    EXPECT_TRUE(
+        Form().Txt_Log.text().startsWith(u"プログラム開始 --   2620--:2025-04-16 09:30:15\r\n"_s));
 }
 
 TEST(MainLog, RotatesAtOneMillionAndOneBytes) {
@@ -62,7 +53,7 @@ TEST(MainLog, RotatesAtOneMillionAndOneBytes) {
     site.writeFile(u"Tesvane2620.log"_s, QByteArray(1000001, 'b'));
     LogFileOnly(u"after -- "_s, LogForm::Short);
     const QByteArray fresh = site.readFile(u"Tesvane2620.log"_s);
-    EXPECT_EQ(Decoded(fresh),
+    EXPECT_EQ(DecodeAnsi(fresh),
               u"【検査： 2620-0-2025-04-16 09:30:15】after -- 2620:2025-04-16 09:30:15\r\n"_s);
     EXPECT_EQ(site.readFile(u"Tesvane_ 2620_2025-04-16.log"_s), QByteArray(1000001, 'b'));
 
@@ -107,7 +98,7 @@ TEST(MonthlyStores, WrittenOnlyWhenLogIsOne) {
     SlogOut(u"two"_s, 990, u"STAMP"_s, 7);
     EXPECT_EQ(site.readFile(u"Slog/202504/0990-STAMP_0007.txt"_s), QByteArray("one\r\ntwo\r\n"));
     TraceOut(u"受信"_s, 1660, u"20250416"_s, QString());
-    EXPECT_EQ(Decoded(site.readFile(u"Trace/202504/1660-20250416.txt"_s)), u"受信\r\n"_s);
+    EXPECT_EQ(DecodeAnsi(site.readFile(u"Trace/202504/1660-20250416.txt"_s)), u"受信\r\n"_s);
 
     site.writeFile(u"c0980/c0980_0001.txt"_s, QByteArray("piece"));
     SlogCopy(site.path(u"c0980\\c0980_0001.txt"_s), 980, u"S"_s, u"3"_s, u"txt"_s);
@@ -136,8 +127,6 @@ TEST(BlockFiles, DataSaveMakesItsFolderAnewForKindOne) {
     EXPECT_FALSE(site.exists(u"AppOut_2620/old.txt"_s));
     // The kind stands where the number belongs.
     EXPECT_EQ(site.readFile(u"AppOut_2620/0001.txt"_s), QByteArray("data\r\n"));
-    DataSave_XXXX(u"5"_s, 2);
-    EXPECT_EQ(site.readFile(u"AppOut_2620/0002.txt"_s), QByteArray("data\r\n"));
 }
 
 TEST(AbnormalEnd, LogsTheTextBetweenTheBracketsAndExitsOne) {
@@ -146,7 +135,7 @@ TEST(AbnormalEnd, LogsTheTextBetweenTheBracketsAndExitsOne) {
     Ctx().AbendText = QString();
     EXPECT_EXIT(GAbendExit(), ::testing::ExitedWithCode(1), "");
     EXPECT_EQ(
-        Decoded(site.readFile(u"Tesvane2620.log"_s)),
+        DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)),
         u"【検査： 2620-0-2025-04-16 09:30:15】プログラム異常終了 -- 【  】2620--:2025-04-16 09:30:15\r\n"_s);
 }
 
