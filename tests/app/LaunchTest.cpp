@@ -87,6 +87,15 @@ TEST(Executable, WritesItsStartLineUnderABackslashAppPath) {
     process.start(QString::fromLocal8Bit(KV_ORBLINE_EXE), {u"2620=0=TN="_s + appPath, u"=ID"_s});
     ASSERT_TRUE(process.waitForFinished(20000));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
+
+    // Without any command line it only says how to start it.
+    QProcess bare;
+    bare.setWorkingDirectory(dir.path());
+    bare.start(QString::fromLocal8Bit(KV_ORBLINE_EXE), {});
+    ASSERT_TRUE(bare.waitForFinished(20000));
+    EXPECT_EQ(bare.exitCode(), 2);
+    EXPECT_TRUE(bare.readAllStandardError().startsWith("usage: kv_orbline"));
 
     QFile log(dir.path() + u"/Tesvane2620.log"_s);
     ASSERT_TRUE(log.open(QIODevice::ReadOnly));
