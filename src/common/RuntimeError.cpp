@@ -10,9 +10,6 @@ QString InvalidArgument() {
 QString SubscriptOutOfRange() {
     return u"インデックスが有効範囲にありません。"_s;
 }
-QString TypeMismatch() {
-    return u"型が一致しません。"_s;
-}
 QString Overflow() {
     return u"オーバーフローしました。"_s;
 }
@@ -21,9 +18,6 @@ QString FileNotFound() {
 }
 QString PathNotFound() {
     return u"パスが見つかりません。"_s;
-}
-QString FileAccess() {
-    return u"ファイル アクセス中にエラーが発生しました。"_s;
 }
 
 }  // namespace orbline::errors

@@ -24,11 +24,9 @@ class RuntimeError : public std::exception {
 namespace errors {
 QString InvalidArgument();  // a position or length out of range
 QString SubscriptOutOfRange();
-QString TypeMismatch();
 QString Overflow();
 QString FileNotFound();
 QString PathNotFound();
-QString FileAccess();
 }  // namespace errors
 
 // Runs one step; a RuntimeError inside it is swallowed so that the next step runs.

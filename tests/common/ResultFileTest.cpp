@@ -97,6 +97,7 @@ TEST(Delivery, MovesACompleteFileAndLeavesTheWorkFolderEmpty) {
               (QStringList{u"2620-TN-2025041609301600002~KVB.csv"_s}));
     EXPECT_EQ(site.readFile(u"data/2620-TN-2025041609301600002~KVB.csv"_s),
               QByteArray("line1\r\n\x8d\x73\x32\r\n"));
+    EXPECT_EQ(ReadAllText(delivered), u"line1\r\n行2\r\n"_s);
     EXPECT_TRUE(
         DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)).contains(u"出力完了(Write) -- 2620-"_s));
 }
