@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
     cmake ninja-build g++ pkg-config
-    qt6-base-dev
+    qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc-dev libsqliteodbc sqlite3
     libgtest-dev libgmock-dev googletest libbenchmark-dev
     clang clang-format clang-tidy
     g++-mingw-w64-x86-64
