@@ -6,6 +6,7 @@
 #include "common/Numbers.h"
 #include "common/RunContext.h"
 #include "common/Text.h"
+#include "tables/MdlOption.h"
 
 using namespace Qt::StringLiterals;
 
@@ -49,6 +50,9 @@ void RunLoadEventStart(const QString& commandLine) {
 
     ctx.OrderTable.clear();
     ctx.OrderRowCount = 0;
+
+    // The only table read at launch; 2140 and 2990 load theirs in the start command.
+    if (ctx.InstrumentCode == u"1730"_s) LoadData1730();
 
     // The character of code 128 in the ANSI code page.
     Form().HiddenChar = DecodeAnsi(QByteArray(1, '\x80'));
