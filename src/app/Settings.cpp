@@ -32,6 +32,7 @@ void ReadUserSettings(const AwIni& ini) {
     const QString user = u"User"_s;
     c.DbPath = ini.GetValue(user, u"DbPath"_s, QString());
     if (c.DbPath.isEmpty()) c.DbPath = c.AppPath;
+    c.DbConnect = ini.GetValue(user, u"DbConnect"_s, QString());
     c.JyusinDataPath = ini.GetValue(user, u"JyusinDataPath"_s, QString());
     c.JyusinDataPath2 = ini.GetValue(user, u"JyusinDataPath2"_s, QString());
     c.JyusinWKPath = ini.GetValue(user, u"JyusinWKPath"_s, QString());

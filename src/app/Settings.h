@@ -10,7 +10,8 @@ namespace orbline {
 class AwIni;
 
 QString InstrumentSection();
-// Section "User": DbPath (AppPath when empty), JyusinDataPath, JyusinDataPath2, JyusinWKPath.
+// Section "User": DbPath (AppPath when empty), DbConnect, JyusinDataPath, JyusinDataPath2,
+// JyusinWKPath.
 void ReadUserSettings(const AwIni& ini);
 // Name, CrpName and Name2 (both following Name when empty).
 void ReadNames(const AwIni& ini);

@@ -54,6 +54,8 @@ struct RunContext {
     QString OrderPath2;
     QString FT01Format;
     QString DbPath;
+    // Optional ODBC connection string of a server order database, used instead of DbPath.
+    QString DbConnect;
     QString JyusinDataPath;
     QString JyusinDataPath2;
     QString JyusinWKPath;
@@ -121,11 +123,18 @@ struct RunContext {
     BoundedTable KensaKomokuTable2990{1000, 10};
     std::int16_t KensaKomokuCount2990 = 0;
 
-    // Order store. The connection and the recordset are Qt Sql objects made per operation
-    // by the order store itself; here stand the statement and the staging table.
+    // Order store. The connection is a Qt Sql connection made per operation by the order
+    // store; DbConnection is its name while it is open, empty otherwise. OrderSql is the
+    // statement with its values written in, for logs and inspection; what runs is the same
+    // statement with bound parameters.
+    QString DbConnection;
     QString OrderSql;
     BoundedTable OrderTable{1000, 100};
     std::int32_t OrderRowCount = 0;
+    // Statements that failed and were passed over, and the last database error: the order
+    // procedures report nothing, so this is where a test or a diagnosis looks.
+    std::int32_t OrderDbFailures = 0;
+    QString OrderDbLastError;
 };
 
 // The one instance.

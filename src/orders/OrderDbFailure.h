@@ -1,0 +1,19 @@
+#pragma once
+// The end of the process when the order database cannot be opened or closed.
+
+#include <QString>
+
+namespace orbline {
+
+inline constexpr auto kOrderDbOpenFailed = u"データベースの取得に失敗しました";
+inline constexpr auto kOrderDbCloseFailed = u"データベースのＣＬＯＳＥに失敗しました";
+
+// With the console shown: the critical message box. Otherwise nobody could click it: the text
+// goes to the main log and to standard error. Then the process ends at once with status 1.
+[[noreturn]] void EndOnOrderDbFailure(const QString& text);
+
+// Where the console's critical message box (title "KV_Orbline") goes. The console window does
+// not exist yet, so for now the text goes to standard error.
+void ShowOrderDbMessageBox(const QString& text);
+
+}  // namespace orbline

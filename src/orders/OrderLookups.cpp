@@ -1,0 +1,247 @@
+#include "orders/OrderLookups.h"
+
+#include "common/Clock.h"
+#include "common/Logging.h"
+#include "common/Numbers.h"
+#include "common/RunContext.h"
+#include "common/Text.h"
+#include "orders/OrderItems.h"
+#include "orders/OrderStore.h"
+
+#include <QSqlQuery>
+#include <QVariant>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace orbline {
+
+namespace {
+
+// Null (or a column the row does not have) is absent; everything else is its text.
+std::optional<QString> Field(const QSqlRecord& row, const QString& name) {
+    if (row.indexOf(name) < 0 || row.isNull(name)) return std::nullopt;
+    return row.value(name).toString();
+}
+
+QString Text(const QSqlRecord& row, const QString& name) {
+    return Field(row, name).value_or(QString());
+}
+
+QString TestField(const QSqlRecord& row, int i, const QString& suffix = QString()) {
+    return Text(row, u"KENSA"_s + QString::number(i) + suffix);
+}
+
+// How many rounds the test loop runs: KENSACNT as a number. Null, empty or not a number: the
+// loop does not run and the test text stays as it was before it.
+std::optional<int> TestRounds(const QSqlRecord& row) {
+    const auto count = Field(row, u"KENSACNT"_s);
+    if (!count || count->isEmpty()) return std::nullopt;
+    return ToInt32(*count);
+}
+
+// Rounds past the columns a lookup reads add nothing.
+int ReadRounds(const QSqlRecord& row, int columns) {
+    return std::clamp(TestRounds(row).value_or(0), 0, columns);
+}
+
+void LogLookupFailure(const QString& key, const QString& instrumentCode) {
+    const QString tail =
+        u"Key: "_s + key + u":"_s + FormatNumber(instrumentCode, u"0000"_s) + u":"_s;
+    GLogEdit(u"0"_s, u"オーダデータ取得失敗 -- "_s + tail + NowText(u"YYYY-MM-DD HH:MM:SS"_s));
+    QString line = u"データデータ取得失敗 -- "_s + tail + NowText(u"YYYY-MM-DD HH:MM:SS"_s);
+    GLogWrite(u"0"_s, line);
+}
+
+}  // namespace
+
+std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QString& key,
+                                          const QString& instrumentCode) {
+    const QString to = OrderWindowTo();
+    const QString from = OrderWindowFrom();
+    OpenOrderDb();
+    Ctx().OrderSql = u"SELECT * FROM T_ORDER "_s + u" WHERE "_s + keyColumn + u" = '"_s + key +
+                     u"'"_s + u" AND   KENSAKIKICD = '"_s + instrumentCode + u"'"_s +
+                     u" AND   KENSAYMD >= '"_s + from + u"'"_s + u" AND   KENSAYMD <= '"_s + to +
+                     u"'"_s + u" ORDER BY KENSAYMD DESC,RENBAN DESC "_s;
+    std::optional<QSqlRecord> found;
+    {
+        QSqlQuery query(OrderDb());
+        query.setForwardOnly(true);
+        query.prepare(u"SELECT * FROM T_ORDER WHERE "_s + keyColumn +
+                      u" = ? AND KENSAKIKICD = ? AND KENSAYMD >= ? AND KENSAYMD <= ?"_s
+                      u" ORDER BY KENSAYMD DESC, RENBAN DESC"_s);
+        query.addBindValue(key);
+        query.addBindValue(instrumentCode);
+        query.addBindValue(from);
+        query.addBindValue(to);
+        if (ExecOrderQuery(query) && query.next()) found = query.record();
+        query.finish();
+    }
+    CloseOrderDb();
+    return found;
+}
+
+std::int16_t LookupOrder1660(const QString& key, QString& kana, QString& tests,
+                             const QString& instrumentCode) {
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    if (!row) {
+        kana.clear();
+        tests.clear();
+        return 0;
+    }
+    kana = Text(*row, u"KANJYAKANA"_s);
+    tests = u"^^^"_s;
+    const int rounds = ReadRounds(*row, kOrderTestColumns);
+    for (int i = 1; i <= rounds; ++i) {
+        if (i > 1) tests += u"\\^^^"_s;
+        tests += FormatNumber(TestField(*row, i), u"0000"_s) + u"^"_s;
+    }
+    return 0;
+}
+
+std::int16_t LookupOrder1730(const QString& key, QString& kana, QString& tests,
+                             const QString& instrumentCode) {
+    const auto row = FindLatestOrder(u"KANJYAINFO"_s, key, instrumentCode);
+    if (!row) {
+        kana.clear();
+        tests.clear();
+        return 0;
+    }
+    kana = Text(*row, u"KANJYAKANA"_s);
+    tests.clear();
+    const int rounds = ReadRounds(*row, kOrderTestColumns);
+    for (int i = 1; i <= rounds; ++i) {
+        tests += (i == 1 ? u"^^^"_s : u"\\^^^"_s) + Trim(TestField(*row, i));
+        const QString second = TestField(*row, i, u"_2"_s);
+        if (!second.isEmpty()) tests += u"^"_s + Trim(second);
+    }
+    return 0;
+}
+
+std::int16_t LookupOrder1650(const QString& key, QString& kana, QString& tests,
+                             const QString& instrumentCode) {
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    if (!row) {
+        kana.clear();
+        tests.clear();
+        return 0;
+    }
+    kana = Text(*row, u"KANJYAKANA"_s);
+    tests.clear();
+    const int rounds = ReadRounds(*row, 20);
+    for (int i = 1; i <= rounds; ++i) tests += TestField(*row, i) + u"      "_s;
+    return 0;
+}
+
+std::int16_t LookupOrder0980(QString& key, QString& kana, QString& test,
+                             const QString& instrumentCode, QString& patientId, QString& sex) {
+    key.remove(u'-');
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    if (!row) {
+        kana.clear();
+        test = u"HbA1c"_s;
+        return 0;
+    }
+    kana = Text(*row, u"KANJYAKANA"_s);
+    patientId = Text(*row, u"KANJYAID"_s);
+    sex = Text(*row, u"SEX"_s);
+    test.clear();
+    if (ReadRounds(*row, 1) >= 1) test = OrderItemName(TestField(*row, 1));
+    return 0;
+}
+
+std::int16_t LookupOrder1190(const QString& key, QString& kana, QString& tests,
+                             const QString& instrumentCode, QString& patientId, QString& sex) {
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    if (!row) {
+        kana.clear();
+        tests.clear();
+        LogLookupFailure(key, instrumentCode);
+        return 0;
+    }
+    kana = Text(*row, u"KANJYAKANA"_s);
+    patientId = Text(*row, u"KANJYAID"_s);
+    sex = Text(*row, u"SEX"_s);
+    tests.clear();
+    const int rounds = ReadRounds(*row, kOrderTestColumns);
+    for (int i = 1; i <= rounds; ++i)
+        tests += (i == 1 ? u"^^^^"_s : u"\\^^^^"_s) + OrderItemName(TestField(*row, i));
+    return 0;
+}
+
+std::int16_t LookupOrder1160(const QString& key, const QString& instrumentCode, QString& tests) {
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    if (!row) {
+        tests.clear();
+        LogLookupFailure(key, instrumentCode);
+        return 0;
+    }
+    tests.clear();
+    const int rounds = ReadRounds(*row, kOrderTestColumns);
+    for (int i = 1; i <= rounds; ++i)
+        tests += (i == 1 ? u"^^^"_s : u"\\^^^"_s) + TestField(*row, i) + u"^"_s;
+    return 0;
+}
+
+QString ItemNumberOf2140(const QString& testCode) {
+    const RunContext& ctx = Ctx();
+    for (qsizetype r = 1; r <= ctx.OptionCount2140; ++r)
+        if (ctx.OptionTable2140.get(r, 2) == testCode)
+            return ctx.OptionTable2140.get(r, 0).value_or(QString());
+    return QString();
+}
+
+std::int16_t LookupOrder2140(const QString& sampleId, const QString& instrumentCode,
+                             QString& itemText, QString& countText) {
+    itemText.clear();
+    countText.clear();
+    // Positions 0..100; only 1..88 go into the text.
+    std::array<bool, 101> flags{};
+    int count = 0;
+    const auto mark = [&](int position) {
+        if (position >= 0 && position <= 100) flags[static_cast<size_t>(position)] = true;
+    };
+    const auto markItem = [&](const QString& itemNumber) {
+        if (!IsNumeric(itemNumber)) return false;
+        ++count;
+        const auto n = ToInt32(itemNumber);
+        if (!n) return true;
+        // Na, K, Cl share one position and L, H, I another; A/G and AI ask for TP and ALB.
+        if (*n >= 87 && *n <= 89) {
+            mark(87);
+        } else if (*n >= 90 && *n <= 92) {
+            mark(88);
+        } else if (*n == 93 || *n == 94) {
+            mark(1);
+            mark(2);
+        } else {
+            mark(*n);
+        }
+        return true;
+    };
+
+    QString name;
+    if (const auto row = FindLatestOrder(u"KANJYAINFO"_s, sampleId, instrumentCode)) {
+        name = Text(*row, u"KANJYAKANA"_s);
+        const int rounds = TestRounds(*row).value_or(0);
+        QString itemNumber;
+        for (int i = 1; i <= std::min(rounds, kOrderTestColumns); ++i) {
+            itemNumber = ItemNumberOf2140(TestField(*row, i));
+            markItem(itemNumber);
+        }
+        // Past KENSA40 no field is read and the item number of the round before stays, so
+        // each further round counts it again.
+        if (rounds > kOrderTestColumns && markItem(itemNumber))
+            count += rounds - kOrderTestColumns - 1;
+    }
+
+    for (int p = 1; p <= 88; ++p) itemText += flags[static_cast<size_t>(p)] ? u'1' : u'0';
+    countText = PadLeftFixed(QString::number(count), 3, u" "_s);
+    itemText += u"100000"_s + PadRightFixed(name, 30, u" "_s);
+    return count == 0 ? 6 : 0;
+}
+
+}  // namespace orbline

@@ -1,0 +1,138 @@
+#pragma once
+// A site with an empty order store, reached either directly as a SQLite file or through ODBC
+// with the SQLite ODBC driver (DbConnect). Suites are typed over both, so one set of cases
+// shows the same results on either path. The cases' own checks read the file directly.
+
+#include "common/AnsiCodec.h"
+#include "common/Form.h"
+#include "common/RunContext.h"
+#include "orders/OrderSchema.h"
+#include "support/TestSite.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVariant>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace orbline::test {
+
+struct SQLiteFile {
+    static void Configure(const QString&) { Ctx().DbConnect.clear(); }
+};
+
+struct OdbcSQLite {
+    static void Configure(const QString& nativeFile) {
+        Ctx().DbConnect = QStringLiteral("Driver=SQLite3;Database=") + nativeFile;
+    }
+};
+
+struct BackendNames {
+    template <typename T>
+    static std::string GetName(int) {
+        return std::is_same_v<T, SQLiteFile> ? "SQLiteFile" : "OdbcSQLite";
+    }
+};
+
+using OrderBackends = ::testing::Types<SQLiteFile, OdbcSQLite>;
+
+using Cells = std::map<QString, std::optional<QString>>;
+
+class OrderSite {
+  public:
+    explicit OrderSite(const char* fixedNow = "2025-04-16 09:30:15") : site(fixedNow) {
+        QDir().mkpath(site.native(QStringLiteral("db")));
+        Ctx().DbPath = site.path(QStringLiteral("db"));
+        QString error;
+        created = CreateOrderStore(storeFile(), &error);
+        EXPECT_TRUE(created) << error.toStdString();
+    }
+    ~OrderSite() { QSqlDatabase::removeDatabase(QString::fromUtf16(kChecker)); }
+    OrderSite(const OrderSite&) = delete;
+    OrderSite& operator=(const OrderSite&) = delete;
+
+    QString storeFile() const { return site.native(QStringLiteral("db/KV_Orbline2.min")); }
+
+    // A row as another writer of the store would leave it; std::nullopt is NULL.
+    void insert(const Cells& cells) {
+        QStringList names;
+        QStringList marks;
+        for (const auto& [name, value] : cells) {
+            names.append(name);
+            marks.append(QStringLiteral("?"));
+        }
+        QSqlQuery q(checker());
+        q.prepare(QStringLiteral("INSERT INTO T_ORDER (") + names.join(u',') +
+                  QStringLiteral(") VALUES (") + marks.join(u',') + u')');
+        for (const auto& [name, value] : cells)
+            q.addBindValue(value ? QVariant(*value) : QVariant(QMetaType(QMetaType::QString)));
+        EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
+    }
+
+    // An order of one instrument with its tests.
+    void order(const QString& date, const QString& renban, const QString& code,
+               const QString& orderCd, const QStringList& tests, const QString& kana = {},
+               const QString& info = {}) {
+        Cells cells{{QStringLiteral("KENSAYMD"), date},
+                    {QStringLiteral("RENBAN"), renban},
+                    {QStringLiteral("KENSAKIKICD"), code},
+                    {QStringLiteral("ORDERCD"), orderCd},
+                    {QStringLiteral("KANJYAKANA"), kana},
+                    {QStringLiteral("KANJYAINFO"), info},
+                    {QStringLiteral("KENSACNT"), QString::number(tests.size())}};
+        for (qsizetype i = 0; i < tests.size(); ++i)
+            cells[QStringLiteral("KENSA") + QString::number(i + 1)] = tests[i];
+        insert(cells);
+    }
+
+    std::vector<QSqlRecord> rows(const QString& where = QStringLiteral("1=1")) {
+        QSqlQuery q(checker());
+        EXPECT_TRUE(q.exec(QStringLiteral("SELECT * FROM T_ORDER WHERE ") + where +
+                           QStringLiteral(" ORDER BY KENSAYMD, RENBAN, ORDERCD")));
+        std::vector<QSqlRecord> out;
+        while (q.next()) out.push_back(q.record());
+        return out;
+    }
+
+    QString mainLog(const QString& code) const {
+        return DecodeAnsi(site.readFile(QStringLiteral("Tesvane") + code + QStringLiteral(".log")));
+    }
+
+    TestSite site;
+    bool created = false;
+
+  private:
+    static constexpr auto kChecker = u"order_test_checker";
+    QSqlDatabase checker() {
+        const QString name = QString::fromUtf16(kChecker);
+        if (QSqlDatabase::contains(name)) return QSqlDatabase::database(name);
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(storeFile());
+        db.open();
+        return db;
+    }
+};
+
+// The text of a column, or "<NULL>".
+inline QString Cell(const QSqlRecord& row, const char* name) {
+    const QString column = QString::fromLatin1(name);
+    return row.isNull(column) ? QStringLiteral("<NULL>") : row.value(column).toString();
+}
+
+template <typename Backend>
+class OrderFixture : public ::testing::Test {
+  protected:
+    OrderFixture() { Backend::Configure(store.storeFile()); }
+    OrderSite store;
+};
+
+}  // namespace orbline::test
