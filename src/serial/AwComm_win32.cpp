@@ -1,0 +1,136 @@
+// The port on Windows: one synchronous communications handle, the calls as the system has
+// always made them. The driver keeps the input queue.
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstring>
+
+#include "serial/AwComm.h"
+
+namespace orbline {
+namespace {
+
+DCB ToDeviceControlBlock(const LineFormat& format) {
+    DCB block;
+    std::memset(&block, 0, sizeof block);  // DCBlength and the characters stay 0
+    block.BaudRate = format.BaudRate;
+    // The flag word is a run of bit fields right after BaudRate.
+    static_assert(sizeof(DWORD) == sizeof(format.Flags));
+    std::memcpy(reinterpret_cast<unsigned char*>(&block) + offsetof(DCB, BaudRate) + sizeof(DWORD),
+                &format.Flags, sizeof(DWORD));
+    block.XonLim = format.XonLim;
+    block.XoffLim = format.XoffLim;
+    block.ByteSize = format.ByteSize;
+    block.Parity = format.Parity;
+    block.StopBits = format.StopBits;
+    block.XonChar = format.XonChar;
+    block.XoffChar = format.XoffChar;
+    return block;
+}
+
+}  // namespace
+
+struct AwComm::Port {
+    HANDLE handle = INVALID_HANDLE_VALUE;
+    COMMTIMEOUTS timeouts{};
+    COMSTAT status{};
+};
+
+AwComm::AwComm() = default;
+
+AwComm::~AwComm() {
+    if (port_) PlatformClose();
+}
+
+std::string AwComm::DeviceName() const {
+    // The "\\.\" prefix serves every port number, also those above 9.
+    return "\\\\.\\COM" + std::to_string(static_cast<unsigned>(portNumber_));
+}
+
+bool AwComm::PlatformOpen() {
+    if (port_) return false;
+    const std::string device = DeviceName();
+    const HANDLE handle = CreateFileA(device.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return false;
+
+    auto port = std::make_unique<Port>();
+    port->handle = handle;
+    DCB block = ToDeviceControlBlock(format_);
+    // All five calls are made even when an early one fails.
+    bool ok = SetCommState(handle, &block) != FALSE;
+    ok = (SetupComm(handle, static_cast<DWORD>(readBufferSize_),
+                    static_cast<DWORD>(writeBufferSize_)) != FALSE) &&
+         ok;
+    ok = (PurgeComm(handle, PURGE_TXCLEAR) != FALSE) && ok;
+    ok = (PurgeComm(handle, PURGE_RXCLEAR) != FALSE) && ok;
+    const auto timeOut = static_cast<DWORD>(timeOutMs_);
+    port->timeouts.ReadIntervalTimeout = timeOut;
+    port->timeouts.ReadTotalTimeoutMultiplier = 10;
+    port->timeouts.ReadTotalTimeoutConstant = timeOut;
+    port->timeouts.WriteTotalTimeoutMultiplier = 10;
+    port->timeouts.WriteTotalTimeoutConstant = timeOut;
+    ok = (SetCommTimeouts(handle, &port->timeouts) != FALSE) && ok;
+    if (!ok) {
+        CloseHandle(handle);
+        return false;
+    }
+    port_ = std::move(port);
+    return true;
+}
+
+bool AwComm::PlatformClose() {
+    // The handle is forgotten after the close, so that a second close cannot hit a handle
+    // that Windows has given to someone else meanwhile.
+    if (!port_) return false;
+    const bool closed = CloseHandle(port_->handle) != FALSE;
+    port_.reset();
+    return closed;
+}
+
+bool AwComm::PlatformModemStatus(std::uint32_t& bits) {
+    DWORD lines = 0;
+    if (!port_ || GetCommModemStatus(port_->handle, &lines) == FALSE) return false;
+    bits = lines;
+    return true;
+}
+
+bool AwComm::PlatformSetLine(bool dtrLine, bool on) {
+    const DWORD function = dtrLine ? (on ? SETDTR : CLRDTR) : (on ? SETRTS : CLRRTS);
+    return port_ && EscapeCommFunction(port_->handle, function) != FALSE;
+}
+
+bool AwComm::PlatformBreak(bool on) {
+    if (!port_) return false;
+    return (on ? SetCommBreak(port_->handle) : ClearCommBreak(port_->handle)) != FALSE;
+}
+
+bool AwComm::PlatformQueued(bool input, std::int32_t& count) {
+    DWORD errors = 0;
+    // Also clears a line error, so an overrun never blocks the port.
+    if (!port_ || ClearCommError(port_->handle, &errors, &port_->status) == FALSE) return false;
+    count = static_cast<std::int32_t>(input ? port_->status.cbInQue : port_->status.cbOutQue);
+    return true;
+}
+
+bool AwComm::PlatformWrite(const Bytes& bytes) {
+    if (!port_) return false;
+    DWORD written = 0;
+    const auto length = static_cast<DWORD>(bytes.size());
+    return WriteFile(port_->handle, bytes.data(), length, &written, nullptr) != FALSE &&
+           written == length;
+}
+
+bool AwComm::PlatformRead(std::uint8_t* into, std::int32_t count) {
+    if (!port_) return false;
+    DWORD got = 0;
+    const auto wanted = static_cast<DWORD>(count);
+    return ReadFile(port_->handle, into, wanted, &got, nullptr) != FALSE && got == wanted;
+}
+
+bool AwComm::PlatformPurgeInput() {
+    return port_ && PurgeComm(port_->handle, PURGE_RXCLEAR) != FALSE;
+}
+
+}  // namespace orbline

@@ -1,0 +1,29 @@
+// Kept apart: <asm/termbits.h> and <termios.h> cannot share one translation unit.
+#include <cstdint>
+
+#ifdef __linux__
+#include <asm/termbits.h>
+#include <sys/ioctl.h>
+#endif
+
+namespace orbline {
+
+bool SetCustomRate(int fd, std::uint32_t rate) {
+#ifdef __linux__
+    struct termios2 settings {};
+    if (ioctl(fd, TCGETS2, &settings) != 0) return false;
+    settings.c_cflag &= ~CBAUD;
+    settings.c_cflag |= BOTHER;
+    settings.c_ispeed = rate;
+    settings.c_ospeed = rate;
+    if (ioctl(fd, TCSETS2, &settings) != 0) return false;
+    struct termios2 check {};
+    return ioctl(fd, TCGETS2, &check) == 0 && check.c_ospeed == rate;
+#else
+    (void)fd;
+    (void)rate;
+    return false;
+#endif
+}
+
+}  // namespace orbline
