@@ -267,8 +267,8 @@ const std::vector<OrderItem>& ItemNames() {
 
 // Keeps the codes in ItemCodes from entry 1, as the lookups read them there too.
 void PutItemCodes(const std::vector<OrderItem>& rows) {
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        Ctx().ItemCodes.put(static_cast<qsizetype>(i + 1), rows[i].code);
+    qsizetype entry = 0;
+    for (const OrderItem& row : rows) Ctx().ItemCodes.put(++entry, row.code);
 }
 
 }  // namespace

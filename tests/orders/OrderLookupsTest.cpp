@@ -1,6 +1,7 @@
 #include "common/Form.h"
 #include "orders/OrderLookups.h"
 #include "orders/OrderTestSupport.h"
+#include "tables/MdlOption.h"
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -222,4 +223,12 @@ TYPED_TEST(OrderLookupsTest, Lookup2140FoldsItemsIntoEightyEightFlags) {
     EXPECT_EQ(count, u"  0"_s);
     EXPECT_EQ(LookupOrder2140(u"none"_s, u"2140"_s, items, count), 6);
     EXPECT_EQ(items, flags({}) + u"100000"_s + blanks30);
+
+    // The built-in rows: Na (row 30), K (31) and TP (1).
+    LoadOption2140();
+    s.order(u"20250416"_s, u"1"_s, u"2140"_s, u"o5"_s, {u"2140300"_s, u"2140310"_s, u"2140010"_s},
+            QString(), u"S5"_s);
+    EXPECT_EQ(LookupOrder2140(u"S5"_s, u"2140"_s, items, count), 0);
+    EXPECT_EQ(items, flags({87, 1}) + u"100000"_s + blanks30);
+    EXPECT_EQ(count, u"  3"_s);
 }
