@@ -110,6 +110,7 @@ TEST_F(AwCommOnPty, WritesAndReadsWhatWaitsInOrder) {
     EXPECT_TRUE(comm.WriteBinary({}));
     EXPECT_TRUE(WriteText(comm, u"Q\u0141"_qs));  // U+0141 keeps only its low byte
     EXPECT_EQ(harness.line.receive(4, 2s), Notation("<ACK><CR>QA"));
+    EXPECT_EQ(comm.WriteBufferDataSize(), 0);
 
     EXPECT_EQ(comm.ReadBufferDataSize(), 0);
     EXPECT_TRUE(ReadText1(comm).isEmpty());

@@ -110,16 +110,20 @@ Script ParseScript(const std::string& text, const std::string& name, const std::
 
         const auto* known = std::find_if(std::begin(kCommands), std::end(kCommands),
                                          [&](const CommandName& c) { return word == c.word; });
-        if (known == std::end(kCommands))
-            throw std::runtime_error(where + "unknown command '" + word + "'");
+        if (known == std::end(kCommands)) {
+            std::string message = where;
+            message += "unknown command '" + word + "'";
+            throw std::runtime_error(message);
+        }
         Step step;
         step.command = known->command;
         step.lineNumber = lineNumber;
         const std::vector<std::string> args = Words(rest);
         const auto wantArgs = [&](std::size_t count) {
             if (args.size() != count) {
-                throw std::runtime_error(where + "'" + word + "' takes " + std::to_string(count) +
-                                         " argument(s)");
+                std::string message = where;
+                message += "'" + word + "' takes " + std::to_string(count) + " argument(s)";
+                throw std::runtime_error(message);
             }
         };
         switch (step.command) {
