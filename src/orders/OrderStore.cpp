@@ -26,6 +26,9 @@ const QString kConnectionName = u"orbline_orders"_s;
 // Long enough for another process's order file to be written; short enough that a lookup
 // still answers the instrument in time.
 constexpr int kBusyTimeoutMs = 5000;
+// A writer waits longer: no instrument waits for the intake, and with several writers on one
+// file the lock goes to whichever asks at the right moment, so one writer can lose for seconds.
+constexpr int kWriteBusyTimeoutMs = 30000;
 
 QString StagedValue(std::int32_t row, int column) {
     return Ctx().OrderTable.get(row, column).value_or(QString());
@@ -165,15 +168,16 @@ void NoteOrderDbFailure(const QString& error) {
 
 bool ExecOrderQuery(QSqlQuery& query) {
     if (query.exec()) return true;
-    NoteOrderDbFailure(query.lastError().text());
+    NoteOrderDbFailure(query.lastQuery().section(u' ', 0, 0) + u": "_s + query.lastError().text());
     return false;
 }
 
 bool BeginOrderWrite(QSqlDatabase& db) {
     if (IsSQLiteConnection(db)) {
         QSqlQuery begin(db);
+        begin.exec(u"PRAGMA busy_timeout = "_s + QString::number(kWriteBusyTimeoutMs));
         if (begin.exec(u"BEGIN IMMEDIATE"_s)) return true;
-        NoteOrderDbFailure(begin.lastError().text());
+        NoteOrderDbFailure(u"BEGIN IMMEDIATE: "_s + begin.lastError().text());
         return false;
     }
     if (db.transaction()) return true;
@@ -185,7 +189,7 @@ bool CommitOrderWrite(QSqlDatabase& db) {
     if (IsSQLiteConnection(db)) {
         QSqlQuery commit(db);
         if (commit.exec(u"COMMIT"_s)) return true;
-        NoteOrderDbFailure(commit.lastError().text());
+        NoteOrderDbFailure(u"COMMIT: "_s + commit.lastError().text());
         return false;
     }
     if (db.commit()) return true;

@@ -40,14 +40,14 @@ TEST(OrderDbTool, MakesAStoreTheIntakeFillsAndShowsItsOrders) {
     Ctx().InstrumentCode = u"1730"_s;
     Ctx().DbPath = site.path();
     Ctx().OrderPath = site.path(u"in"_s);
-    QByteArray line = "20250416,12,0930,ORD,1730,,ｶﾅ,,,,,,,SPEC";
+    QByteArray line = "20250416,12,0930,ORD,1730,,ｶﾅ,,,,,,,SAMPLE9";
     line += QByteArray(40 - 13, ',') + "TSH,FERR";
     site.writeFile(u"in/1730.csv"_s, EncodeAnsi(QString::fromUtf8(line)));
     TakeOrders1730();
 
     const ToolRun day = RunTool(ORDERDB_EXE, {u"day"_s, file, u"20250416"_s, u"1730"_s});
     EXPECT_EQ(day.status, 0) << day.err.toStdString();
-    EXPECT_TRUE(day.out.contains(u"SPEC"_s)) << day.out.toStdString();
+    EXPECT_TRUE(day.out.contains(u"SAMPLE9"_s)) << day.out.toStdString();
     EXPECT_TRUE(day.out.endsWith(u"1 order\n"_s));
     const ToolRun show =
         RunTool(ORDERDB_EXE, {u"show"_s, file, u"20250416"_s, u"12"_s, u"1730"_s, u"ORD"_s});
@@ -90,7 +90,8 @@ TEST(OrderConcurrency, FourTakersAndEightLookersShareOneSQLiteFileFor30Seconds) 
     const auto finish = [](QProcess& p) {
         EXPECT_TRUE(p.waitForFinished(90000));
         EXPECT_EQ(p.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        EXPECT_EQ(p.exitCode(), 0) << p.arguments().join(u' ').toStdString() << ": "
+                                   << p.readAllStandardError().toStdString();
         return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
     };
     static const QRegularExpression sent(u"^sent (\\d+)$"_s);
