@@ -47,6 +47,13 @@ int ReadRounds(const QSqlRecord& row, int columns) {
     return std::clamp(TestRounds(row).value_or(0), 0, columns);
 }
 
+// KENSA1..KENSAn, and with suffix "_2" the second codes.
+QStringList TestColumns(int count, const QString& suffix = QString()) {
+    QStringList names;
+    for (int i = 1; i <= count; ++i) names.append(u"KENSA"_s + QString::number(i) + suffix);
+    return names;
+}
+
 void LogLookupFailure(const QString& key, const QString& instrumentCode) {
     const QString tail =
         u"Key: "_s + key + u":"_s + FormatNumber(instrumentCode, u"0000"_s) + u":"_s;
@@ -58,7 +65,8 @@ void LogLookupFailure(const QString& key, const QString& instrumentCode) {
 }  // namespace
 
 std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QString& key,
-                                          const QString& instrumentCode) {
+                                          const QString& instrumentCode,
+                                          const QStringList& columns) {
     const QString to = OrderWindowTo();
     const QString from = OrderWindowFrom();
     OpenOrderDb();
@@ -70,7 +78,9 @@ std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QStrin
     {
         QSqlQuery query(OrderDb());
         query.setForwardOnly(true);
-        query.prepare(u"SELECT * FROM T_ORDER WHERE "_s + keyColumn +
+        // Only the columns read: a row of T_ORDER has over a hundred, and each one fetched
+        // costs more than finding the row.
+        query.prepare(u"SELECT "_s + columns.join(u", "_s) + u" FROM T_ORDER WHERE "_s + keyColumn +
                       u" = ? AND KENSAKIKICD = ? AND KENSAYMD >= ? AND KENSAYMD <= ?"_s
                       u" ORDER BY KENSAYMD DESC, RENBAN DESC"_s);
         query.addBindValue(key);
@@ -86,7 +96,9 @@ std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QStrin
 
 std::int16_t LookupOrder1660(const QString& key, QString& kana, QString& tests,
                              const QString& instrumentCode) {
-    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    const auto row = FindLatestOrder(
+        u"ORDERCD"_s, key, instrumentCode,
+        QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} + TestColumns(kOrderTestColumns));
     if (!row) {
         kana.clear();
         tests.clear();
@@ -104,7 +116,10 @@ std::int16_t LookupOrder1660(const QString& key, QString& kana, QString& tests,
 
 std::int16_t LookupOrder1730(const QString& key, QString& kana, QString& tests,
                              const QString& instrumentCode) {
-    const auto row = FindLatestOrder(u"KANJYAINFO"_s, key, instrumentCode);
+    const auto row = FindLatestOrder(u"KANJYAINFO"_s, key, instrumentCode,
+                                     QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} +
+                                         TestColumns(kOrderTestColumns) +
+                                         TestColumns(kOrderTestColumns, u"_2"_s));
     if (!row) {
         kana.clear();
         tests.clear();
@@ -123,7 +138,8 @@ std::int16_t LookupOrder1730(const QString& key, QString& kana, QString& tests,
 
 std::int16_t LookupOrder1650(const QString& key, QString& kana, QString& tests,
                              const QString& instrumentCode) {
-    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
+                                     QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} + TestColumns(20));
     if (!row) {
         kana.clear();
         tests.clear();
@@ -139,7 +155,9 @@ std::int16_t LookupOrder1650(const QString& key, QString& kana, QString& tests,
 std::int16_t LookupOrder0980(QString& key, QString& kana, QString& test,
                              const QString& instrumentCode, QString& patientId, QString& sex) {
     key.remove(u'-');
-    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    const auto row =
+        FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
+                        {u"KANJYAKANA"_s, u"KANJYAID"_s, u"SEX"_s, u"KENSACNT"_s, u"KENSA1"_s});
     if (!row) {
         kana.clear();
         test = u"HbA1c"_s;
@@ -155,7 +173,10 @@ std::int16_t LookupOrder0980(QString& key, QString& kana, QString& test,
 
 std::int16_t LookupOrder1190(const QString& key, QString& kana, QString& tests,
                              const QString& instrumentCode, QString& patientId, QString& sex) {
-    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    const auto row =
+        FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
+                        QStringList{u"KANJYAKANA"_s, u"KANJYAID"_s, u"SEX"_s, u"KENSACNT"_s} +
+                            TestColumns(kOrderTestColumns));
     if (!row) {
         kana.clear();
         tests.clear();
@@ -173,7 +194,8 @@ std::int16_t LookupOrder1190(const QString& key, QString& kana, QString& tests,
 }
 
 std::int16_t LookupOrder1160(const QString& key, const QString& instrumentCode, QString& tests) {
-    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode);
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
+                                     QStringList{u"KENSACNT"_s} + TestColumns(kOrderTestColumns));
     if (!row) {
         tests.clear();
         LogLookupFailure(key, instrumentCode);
@@ -224,7 +246,10 @@ std::int16_t LookupOrder2140(const QString& sampleId, const QString& instrumentC
     };
 
     QString name;
-    if (const auto row = FindLatestOrder(u"KANJYAINFO"_s, sampleId, instrumentCode)) {
+    if (const auto row =
+            FindLatestOrder(u"KANJYAINFO"_s, sampleId, instrumentCode,
+                            QStringList{u"KANJYAKANA"_s, u"KANJYANM"_s, u"KENSACNT"_s} +
+                                TestColumns(kOrderTestColumns))) {
         name = Text(*row, u"KANJYAKANA"_s);
         const int rounds = TestRounds(*row).value_or(0);
         QString itemNumber;

@@ -12,10 +12,12 @@
 namespace orbline {
 
 // The shared query: KEY = key for the instrument, KENSAYMD from 20 days ago to today, newest
-// date and highest RENBAN (as text) first. Sets OrderSql; opens and closes the connection.
-// Nothing when no row is found or the statement failed.
+// date and highest RENBAN (as text) first; of that row the columns the lookup reads. Sets
+// OrderSql; opens and closes the connection. Nothing when no row is found or the statement
+// failed.
 std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QString& key,
-                                          const QString& instrumentCode);
+                                          const QString& instrumentCode,
+                                          const QStringList& columns);
 
 // Key ORDERCD; tests "^^^0951^\^^^4207^" (codes through "0000"); "^^^" with no test.
 std::int16_t LookupOrder1660(const QString& key, QString& kana, QString& tests,
