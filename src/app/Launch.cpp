@@ -60,9 +60,4 @@ void RunLoadEventStart(const QString& commandLine) {
     LogEvent(u"プログラム開始 --   "_s, u"プログラム開始 -- "_s, LogForm::Full);
 }
 
-bool ShowsConsole(const QString& showMode) {
-    const auto mode = ToDouble(showMode);
-    return mode && *mode == 1.0;
-}
-
 }  // namespace orbline

@@ -25,7 +25,4 @@ QString JoinArguments(int argc, const char* const* argv);
 // between fields 4 and 5), the order staging emptied, the hidden character, the start line.
 void RunLoadEventStart(const QString& commandLine);
 
-// ShowMode as a number is exactly 1: the console is shown.
-bool ShowsConsole(const QString& showMode);
-
 }  // namespace orbline

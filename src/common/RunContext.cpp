@@ -1,5 +1,7 @@
 #include "common/RunContext.h"
 
+#include "common/Numbers.h"
+
 #include <memory>
 
 namespace orbline {
@@ -17,6 +19,11 @@ RunContext& Ctx() {
 
 void ResetRunContext() {
     Instance() = std::make_unique<RunContext>();
+}
+
+bool ShowsConsole(const QString& showMode) {
+    const auto mode = ToDouble(showMode);
+    return mode && *mode == 1.0;
 }
 
 }  // namespace orbline

@@ -142,4 +142,8 @@ RunContext& Ctx();
 // Tests start each case from a fresh context.
 void ResetRunContext();
 
+// ShowMode as a number is exactly 1: the console is shown. Lower modules ask it too (an order
+// store failure shows a box only then).
+bool ShowsConsole(const QString& showMode);
+
 }  // namespace orbline

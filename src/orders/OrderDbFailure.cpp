@@ -1,6 +1,5 @@
 #include "orders/OrderDbFailure.h"
 
-#include "app/Launch.h"
 #include "common/Logging.h"
 #include "common/RunContext.h"
 
