@@ -230,7 +230,10 @@ TEST(AwComm, NoByteLostWhileNotReadingForTenSecondsFullLength) {
     const std::string folder = dir.path().toStdString();
     std::ofstream(folder + "/pattern.bin", std::ios::binary)
         .write(reinterpret_cast<const char*>(pattern.data()), std::streamsize(pattern.size()));
-    std::ofstream(folder + "/send.sim") << "wait-open 5000\nrate 115200\nsend-file pattern.bin\n";
+    // The ENQ tells the instrument that the port is open and flushed: a test that must not
+    // lose a byte does not rely on the pause after wait-open.
+    std::ofstream(folder + "/send.sim")
+        << "wait-open 5000\nexpect <ENQ>\nrate 115200\nsend-file pattern.bin\n";
 
     // The simulator makes the pair and plays the instrument's end; the port opens the other.
     QProcess simulator;
@@ -244,6 +247,7 @@ TEST(AwComm, NoByteLostWhileNotReadingForTenSecondsFullLength) {
     port.SetBaudRate(115200);
     port.SetDevicePath(folder + "/tty");
     ASSERT_TRUE(port.OpenPort1());
+    ASSERT_TRUE(port.WriteBinary({0x05}));
     std::this_thread::sleep_for(10s);
     ASSERT_TRUE(simulator.waitForFinished(15000));
     QFile log(dir.filePath(u"simulator.log"_qs));

@@ -1,7 +1,7 @@
 #include "PtyPair.h"
 
-#include <dirent.h>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -9,8 +9,16 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <thread>
 
 namespace orbline::sim {
+namespace {
+
+// A read time-out that no serial code sets: whoever opens the port for real sets its own
+// line format, and with it a time-out of 0 or a proper one, which clears the mark.
+constexpr cc_t kOpenMark = 7;
+
+}  // namespace
 
 PtyPair::PtyPair() {
     master_ = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
@@ -33,6 +41,7 @@ PtyPair::PtyPair() {
         throw std::runtime_error("cannot open " + slavePath_);
     }
     cfmakeraw(&raw);
+    raw.c_cc[VTIME] = kOpenMark;
     tcsetattr(slaveKeeper_, TCSANOW, &raw);
 }
 
@@ -41,33 +50,30 @@ PtyPair::~PtyPair() {
     close(master_);
 }
 
-bool PtyPair::slaveOpenedElsewhere() const {
-    const std::string self = std::to_string(getpid());
-    DIR* processes = opendir("/proc");
-    if (processes == nullptr) return false;
-    bool found = false;
-    while (!found) {
-        const dirent* process = readdir(processes);
-        if (process == nullptr) break;
-        const std::string pid = process->d_name;
-        if (pid.empty() || pid.find_first_not_of("0123456789") != std::string::npos || pid == self)
-            continue;
-        const std::string fdDir = "/proc/" + pid + "/fd";
-        DIR* fds = opendir(fdDir.c_str());
-        if (fds == nullptr) continue;  // gone, or not ours to see
-        while (const dirent* fd = readdir(fds)) {
-            char target[256];
-            const std::string link = fdDir + "/" + fd->d_name;
-            const ssize_t length = readlink(link.c_str(), target, sizeof target - 1);
-            if (length > 0 && std::string(target, static_cast<std::size_t>(length)) == slavePath_) {
-                found = true;
-                break;
-            }
-        }
-        closedir(fds);
+bool PtyPair::waitUntilTaken(std::chrono::milliseconds limit) const {
+    using Clock = std::chrono::steady_clock;
+    // Bytes pass a kernel buffer before the read queue counts them, so the queue must stay
+    // empty for a while before everything counts as read.
+    constexpr auto kQuiet = std::chrono::milliseconds(100);
+    const auto deadline = Clock::now() + limit;
+    auto emptySince = Clock::now();
+    for (;;) {
+        int unread = 0;
+        if (ioctl(slaveKeeper_, FIONREAD, &unread) != 0) return false;
+        const auto now = Clock::now();
+        if (unread != 0) emptySince = now;
+        if (now - emptySince >= kQuiet) return true;
+        if (now >= deadline) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    closedir(processes);
-    return found;
+}
+
+bool PtyPair::takeOpenedMark() {
+    termios settings{};
+    if (tcgetattr(slaveKeeper_, &settings) != 0 || settings.c_cc[VTIME] == kOpenMark) return false;
+    settings.c_cc[VTIME] = kOpenMark;
+    tcsetattr(slaveKeeper_, TCSANOW, &settings);
+    return true;
 }
 
 }  // namespace orbline::sim

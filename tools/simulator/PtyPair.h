@@ -2,6 +2,7 @@
 // A pseudo-terminal pair: the master is the instrument's end, the slave's path is handed to
 // the code under test, which opens it as its serial port.
 
+#include <chrono>
 #include <string>
 
 namespace orbline::sim {
@@ -17,8 +18,14 @@ class PtyPair {
     int masterFd() const { return master_; }
     const std::string& slavePath() const { return slavePath_; }
 
-    // True when a process other than this one holds the slave open.
-    bool slaveOpenedElsewhere() const;
+    // True once the code under test has opened the port and set its line format (which
+    // clears a mark this pair leaves in the tty's settings). The mark is then set again, so
+    // that the next open can be seen as well.
+    bool takeOpenedMark();
+
+    // Waits until the other end has read everything sent to it, at most `limit`. Closing the
+    // master hangs the port up, and a hang-up throws away what was not yet read.
+    bool waitUntilTaken(std::chrono::milliseconds limit) const;
 
   private:
     int master_ = -1;

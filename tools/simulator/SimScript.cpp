@@ -247,15 +247,16 @@ bool RunScript(const Script& script, SimLine& line, const RunOptions& options, s
                 break;
             }
             case Command::WaitOpen: {
-                if (!options.openedElsewhere)
+                if (!options.takeOpenedMark)
                     return fail("wait-open needs a pseudo-terminal of the simulator's own (--pty)");
                 const auto deadline = std::chrono::steady_clock::now() + Scaled(step.first, scale);
-                while (!options.openedElsewhere()) {
+                while (!options.takeOpenedMark()) {
                     if (std::chrono::steady_clock::now() >= deadline)
                         return fail("no one opened the port in time");
                     std::this_thread::sleep_for(std::chrono::milliseconds(20));
                 }
-                // The opener flushes its input right after the open; let it finish first.
+                // The opener flushes its input right after it sets the line format; let it
+                // finish first.
                 std::this_thread::sleep_for(std::chrono::milliseconds(200));
                 log << "= port opened\n";
                 break;

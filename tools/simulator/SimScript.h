@@ -51,8 +51,8 @@ Script LoadScript(const std::string& path);
 std::vector<Bytes> CutIntoFrames(const Bytes& transmission);
 
 struct RunOptions {
-    double timeScale = 1.0;                 // for pauses and time limits, not for the line rate
-    std::function<bool()> openedElsewhere;  // for wait-open; empty when not on a own pty
+    double timeScale = 1.0;                // for pauses and time limits, not for the line rate
+    std::function<bool()> takeOpenedMark;  // for wait-open; empty when not on an own pty
 };
 
 // Runs the steps; false at the first that fails, with the reason written to `log`. Every byte

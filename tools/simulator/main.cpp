@@ -7,8 +7,10 @@
 // 0 when every step passed, 1 when a step failed, 2 for a bad command line or script.
 
 #include <fcntl.h>
+#include <termios.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -111,7 +113,7 @@ int main(int argc, char** argv) {
     line.setRate(options->rate);
     RunOptions run;
     run.timeScale = orbline::TimeScale();
-    if (pty) run.openedElsewhere = [&pty] { return pty->slaveOpenedElsewhere(); };
+    if (pty) run.takeOpenedMark = [&pty] { return pty->takeOpenedMark(); };
     const bool passed = RunScript(script, line, run, std::cout);
 
     if (!options->record.empty()) {
@@ -119,10 +121,15 @@ int main(int argc, char** argv) {
         out.write(reinterpret_cast<const char*>(line.record().data()),
                   static_cast<std::streamsize>(line.record().size()));
     }
-    if (pty)
+    // Everything sent reaches the other end before the line goes away.
+    constexpr std::chrono::seconds kTakeLimit{5};
+    if (pty) {
+        if (!pty->waitUntilTaken(kTakeLimit)) std::cout << "! the other end left bytes unread\n";
         std::remove(options->ptyLink.c_str());
-    else
+    } else {
+        tcdrain(fd);
         close(fd);
+    }
     std::cout << (passed ? "passed" : "failed") << std::endl;
     return passed ? 0 : 1;
 }
