@@ -249,19 +249,13 @@ const std::vector<OrderItem>& Rows1660() {
     return rows;
 }
 
-// The names the lookups of 1190 and 0980 give for a stored code.
+// The names the lookups of 1190 and 0980 give for a stored code: the 1190 table and HbA1c.
 const std::vector<OrderItem>& ItemNames() {
-    static const std::vector<OrderItem> rows = {
-        {u"WBC"_s, u"1190010"_s},    {u"RBC"_s, u"1190020"_s},    {u"HGB"_s, u"1190030"_s},
-        {u"HCT"_s, u"1190040"_s},    {u"MCV"_s, u"1190050"_s},    {u"MCH"_s, u"1190060"_s},
-        {u"MCHC"_s, u"1190070"_s},   {u"PLT"_s, u"1190080"_s},    {u"NEUT%"_s, u"1190090"_s},
-        {u"LYMPH%"_s, u"1190100"_s}, {u"MONO%"_s, u"1190110"_s},  {u"EO%"_s, u"1190120"_s},
-        {u"BASO%"_s, u"1190130"_s},  {u"NEUT#"_s, u"1190140"_s},  {u"LYMPH#"_s, u"1190150"_s},
-        {u"MONO#"_s, u"1190160"_s},  {u"EO#"_s, u"1190170"_s},    {u"BASO#"_s, u"1190180"_s},
-        {u"RDW-SD"_s, u"1190190"_s}, {u"RDW-CV"_s, u"1190200"_s}, {u"PDW"_s, u"1190210"_s},
-        {u"MPV"_s, u"1190220"_s},    {u"P-LCR"_s, u"1190230"_s},  {u"PCT"_s, u"1190240"_s},
-        {u"HbA1c"_s, u"0980010"_s},
-    };
+    static const std::vector<OrderItem> rows = [] {
+        std::vector<OrderItem> all = Rows1190();
+        all.push_back({u"HbA1c"_s, u"0980010"_s});
+        return all;
+    }();
     return rows;
 }
 
