@@ -25,7 +25,7 @@ scripts/check-win32.sh
 
 echo "== static checks =="
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
-run-clang-tidy -p build -quiet "$(pwd)/src/" >/tmp/orbline-clang-tidy.log 2>&1 || {
+run-clang-tidy -p build -quiet "$(pwd)/(src|tools)/" >/tmp/orbline-clang-tidy.log 2>&1 || {
     grep -E "error:|warning:" /tmp/orbline-clang-tidy.log | head -50
     exit 1
 }
