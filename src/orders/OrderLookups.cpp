@@ -47,6 +47,16 @@ int ReadRounds(const QSqlRecord& row, int columns) {
     return std::clamp(TestRounds(row).value_or(0), 0, columns);
 }
 
+// The test text of a row: round 1's entry behind `first`, each later one behind `between`.
+template <typename Entry>
+QString JoinTests(const QSqlRecord& row, int columns, const QString& first, const QString& between,
+                  Entry entry) {
+    QString text;
+    const int rounds = ReadRounds(row, columns);
+    for (int i = 1; i <= rounds; ++i) text += (i == 1 ? first : between) + entry(i);
+    return text;
+}
+
 // KENSA1..KENSAn, and with suffix "_2" the second codes.
 QStringList TestColumns(int count, const QString& suffix = QString()) {
     QStringList names;
@@ -105,12 +115,9 @@ std::int16_t LookupOrder1660(const QString& key, QString& kana, QString& tests,
         return 0;
     }
     kana = Text(*row, u"KANJYAKANA"_s);
-    tests = u"^^^"_s;
-    const int rounds = ReadRounds(*row, kOrderTestColumns);
-    for (int i = 1; i <= rounds; ++i) {
-        if (i > 1) tests += u"\\^^^"_s;
-        tests += FormatNumber(TestField(*row, i), u"0000"_s) + u"^"_s;
-    }
+    tests = u"^^^"_s + JoinTests(*row, kOrderTestColumns, QString(), u"\\^^^"_s, [&](int i) {
+                return FormatNumber(TestField(*row, i), u"0000"_s) + u"^"_s;
+            });
     return 0;
 }
 
@@ -126,13 +133,10 @@ std::int16_t LookupOrder1730(const QString& key, QString& kana, QString& tests,
         return 0;
     }
     kana = Text(*row, u"KANJYAKANA"_s);
-    tests.clear();
-    const int rounds = ReadRounds(*row, kOrderTestColumns);
-    for (int i = 1; i <= rounds; ++i) {
-        tests += (i == 1 ? u"^^^"_s : u"\\^^^"_s) + Trim(TestField(*row, i));
+    tests = JoinTests(*row, kOrderTestColumns, u"^^^"_s, u"\\^^^"_s, [&](int i) {
         const QString second = TestField(*row, i, u"_2"_s);
-        if (!second.isEmpty()) tests += u"^"_s + Trim(second);
-    }
+        return Trim(TestField(*row, i)) + (second.isEmpty() ? QString() : u"^"_s + Trim(second));
+    });
     return 0;
 }
 
@@ -146,9 +150,8 @@ std::int16_t LookupOrder1650(const QString& key, QString& kana, QString& tests,
         return 0;
     }
     kana = Text(*row, u"KANJYAKANA"_s);
-    tests.clear();
-    const int rounds = ReadRounds(*row, 20);
-    for (int i = 1; i <= rounds; ++i) tests += TestField(*row, i) + u"      "_s;
+    tests = JoinTests(*row, 20, QString(), QString(),
+                      [&](int i) { return TestField(*row, i) + u"      "_s; });
     return 0;
 }
 
@@ -186,10 +189,8 @@ std::int16_t LookupOrder1190(const QString& key, QString& kana, QString& tests,
     kana = Text(*row, u"KANJYAKANA"_s);
     patientId = Text(*row, u"KANJYAID"_s);
     sex = Text(*row, u"SEX"_s);
-    tests.clear();
-    const int rounds = ReadRounds(*row, kOrderTestColumns);
-    for (int i = 1; i <= rounds; ++i)
-        tests += (i == 1 ? u"^^^^"_s : u"\\^^^^"_s) + OrderItemName(TestField(*row, i));
+    tests = JoinTests(*row, kOrderTestColumns, u"^^^^"_s, u"\\^^^^"_s,
+                      [&](int i) { return OrderItemName(TestField(*row, i)); });
     return 0;
 }
 
@@ -201,10 +202,8 @@ std::int16_t LookupOrder1160(const QString& key, const QString& instrumentCode, 
         LogLookupFailure(key, instrumentCode);
         return 0;
     }
-    tests.clear();
-    const int rounds = ReadRounds(*row, kOrderTestColumns);
-    for (int i = 1; i <= rounds; ++i)
-        tests += (i == 1 ? u"^^^"_s : u"\\^^^"_s) + TestField(*row, i) + u"^"_s;
+    tests = JoinTests(*row, kOrderTestColumns, u"^^^"_s, u"\\^^^"_s,
+                      [&](int i) { return TestField(*row, i) + u"^"_s; });
     return 0;
 }
 
