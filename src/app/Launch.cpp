@@ -1,7 +1,10 @@
 #include "app/Launch.h"
 
+#include "app/Session.h"
 #include "common/AnsiCodec.h"
+#include "common/Clock.h"
 #include "common/Form.h"
+#include "common/FormLists.h"
 #include "common/Logging.h"
 #include "common/Numbers.h"
 #include "common/RunContext.h"
@@ -37,6 +40,10 @@ QString JoinArguments(int argc, const char* const* argv) {
 }
 
 void RunLoadEventStart(const QString& commandLine) {
+    Form_TesvaneMain& f = Form();
+    // The build date of the first release; it stays as it is on every day the system runs.
+    f.lblSysDate = NowText(u"YYYY-MM-DD"_s) + u" Ver "_s + u"20200416"_s;
+
     const LaunchFields launch = ParseCommandLine(commandLine);
     RunContext& ctx = Ctx();
     ctx.InstrumentCode = launch.InstrumentCode;
@@ -54,10 +61,29 @@ void RunLoadEventStart(const QString& commandLine) {
     // The only table read at launch; 2140 and 2990 load theirs in the start command.
     if (ctx.InstrumentCode == u"1730"_s) LoadData1730();
 
+    f.Timer1Enabled = false;
+    f.Timer2Enabled = false;
     // The character of code 128 in the ANSI code page.
-    Form().HiddenChar = DecodeAnsi(QByteArray(1, '\x80'));
+    f.HiddenChar = DecodeAnsi(QByteArray(1, '\x80'));
+    f.byteCounter = 0;
+    FillLineLists();
+    FillConsoleLists();
 
     LogEvent(u"プログラム開始 --   "_s, u"プログラム開始 -- "_s, LogForm::Full);
+}
+
+void Form_Load(const QString& commandLine) {
+    RunLoadEventStart(commandLine);
+    Form_TesvaneMain& f = Form();
+    if (ShowsConsole(Ctx().ShowMode)) {
+        // The compact console, shown without waiting.
+        f.HeightTwips = 4095;
+        f.WidthTwips = 8265;
+        f.Visible = true;
+        f.Cmd_KaijyoEnabled = false;
+    }
+    // Unattended, the form is never shown: the start command blocks here for the session.
+    Cmd_Open();
 }
 
 }  // namespace orbline

@@ -21,8 +21,12 @@ LaunchFields ParseCommandLine(const QString& commandLine);
 // On POSIX the parent's arguments are joined by one blank into the one text.
 QString JoinArguments(int argc, const char* const* argv);
 
-// The launch part of the form's load event: the fields into RunContext (OutSerial set to 0
-// between fields 4 and 5), the order staging emptied, the hidden character, the start line.
+// The load event up to the start command: the date caption, the fields into RunContext
+// (OutSerial set to 0 between fields 4 and 5), the order staging emptied, the timers off, the
+// hidden character, the lists, the start line.
 void RunLoadEventStart(const QString& commandLine);
+// The whole load event: the above, then the form shown (ShowMode 1) or not, and the start
+// command, which returns only when the session has ended.
+void Form_Load(const QString& commandLine);
 
 }  // namespace orbline

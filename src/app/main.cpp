@@ -1,12 +1,22 @@
 // kv_orbline: one process per instrument. The parent passes everything on the command line.
 
-#include "app/AwIni.h"
+#include "app/CloseRequest.h"
 #include "app/Launch.h"
-#include "app/Settings.h"
+#include "app/Session.h"
+#include "common/Form.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
+
+namespace {
+
+void CloseRequestArrived() {
+    std::int16_t cancel = 0;
+    orbline::Form_QueryUnload(cancel);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     // A parent always passes a command line. Without one the logs would go to the root of the
@@ -22,7 +32,13 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     using namespace orbline;
 
-    RunLoadEventStart(JoinArguments(argc, argv));
-    ReadSettings(AwIni());
-    return 0;
+    // Unloading the form is the close request, whoever asks for it: the parent, the exit
+    // command or an abnormal end.
+    SetUnloadHandler(&CloseRequestArrived);
+    if (!InstallCloseRequest(&CloseRequestArrived))
+        std::fputs("kv_orbline: the close request cannot be received\n", stderr);
+
+    Form_Load(JoinArguments(argc, argv));
+    // After a stop the form waits for the next command or the close request.
+    return QCoreApplication::exec();
 }

@@ -7,9 +7,6 @@
 #include "common/RunContext.h"
 #include "common/TextFile.h"
 
-#include <cstdio>
-#include <cstdlib>
-
 using namespace Qt::StringLiterals;
 
 namespace orbline {
@@ -144,9 +141,9 @@ void GAbendExit() {
         QString line = FullForm(text);
         GLogWrite(u"0"_s, line);
     }
+    UnloadForm();
     ctx.StopRequested = 1;
-    std::fflush(nullptr);
-    std::exit(ctx.AbendFlag != 0 ? 1 : 0);
+    EndProcess();
 }
 
 }  // namespace orbline

@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "serial/AwComm.h"
-#include "serial/AwCommText.h"
+#include "common/AwCommText.h"
 #include "support/LineHarness.h"
 
 namespace orbline {

@@ -1,4 +1,4 @@
-#include "serial/AwCommText.h"
+#include "common/AwCommText.h"
 
 #include "common/AnsiCodec.h"
 

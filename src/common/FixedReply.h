@@ -1,0 +1,29 @@
+#pragma once
+// Every byte that goes to the port passes through the hexadecimal notation of the send pane
+// ("02 06 0D ") and is turned into bytes just before the write.
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+
+namespace orbline {
+
+// Pane text to bytes by the position of a mode list: 0 hexadecimal tokens, 1 decimal tokens,
+// 2 one byte per character (HiddenChar gives none). A token that is no byte value gives 0.
+// The ISO and EIA modes (3, 4) belong to the console and give no bytes here.
+QByteArray ConvertToBinary(const QString& text, qsizetype mode);
+std::int32_t GetByteArrayLength(const QByteArray& bytes);
+
+// The hexadecimal text of a fixed reply; codes outside the table keep SendBytes as it is.
+QByteArray FixedReplyText(std::int16_t code);
+// Sets SendBytes from the table (or keeps it), writes it to the port through the send pane,
+// yields once and empties the pane. A run-time error in it ends the process.
+void SendFixedReply(std::int16_t code);
+
+// CTS and DSR of the port into their labels, when the port object exists.
+void ShowLineStates();
+// The send and receive counts into their labels, as "#,##0".
+void ShowByteCounts();
+
+}  // namespace orbline

@@ -1,0 +1,42 @@
+#include "app/Session.h"
+#include "common/Form.h"
+#include "common/FormLists.h"
+#include "common/RunContext.h"
+#include "support/TestSite.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace orbline;
+using orbline::test::TestSite;
+
+TEST(LineLists, SettingsSelectTheirEntriesAndAMismatchKeepsTheList) {
+    TestSite site;
+    FillLineLists();
+    RunContext& c = Ctx();
+    c.PortNo = 3;
+    c.BaudRateNo = 14400;
+    c.DataBitsNo = 7;
+    c.ParityCode = u"e"_s;
+    c.StopBitsNo = 1.5F;
+    c.HandshakeCode = u"R"_s;
+    c.TimeOutMs = 5000;
+    SelectLineLists();
+    EXPECT_EQ(ConditionText(),
+              u"通信条件(Condition) 3:baud=14400 parity=偶数 data=7 stop=1.5:RTS/CTS:5000"_s);
+
+    // Letters are case-sensitive, and a number that no entry has leaves the list as it was.
+    c.PortNo = 256;
+    c.BaudRateNo = 9601;
+    c.ParityCode = u"E"_s;
+    c.HandshakeCode = u"n"_s;
+    c.StopBitsNo = 3;
+    SelectLineLists();
+    EXPECT_EQ(ConditionText(),
+              u"通信条件(Condition) 3:baud=14400 parity=偶数 data=7 stop=1.5:RTS/CTS:5000"_s);
+    c.PortNo = 255;
+    c.ParityCode = u"s"_s;
+    SelectLineLists();
+    EXPECT_EQ(Form().comboPort.position, 254);
+    EXPECT_EQ(Form().comboParity.text(), u"スペース"_s);
+}

@@ -1,0 +1,54 @@
+#include "common/AwCommText.h"
+#include "common/FixedReply.h"
+#include "common/Form.h"
+#include "common/FormLists.h"
+#include "common/RunContext.h"
+#include "serial/AwComm.h"
+#include "support/LineHarness.h"
+#include "support/TestSite.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace orbline;
+using orbline::test::LineHarness;
+using orbline::test::Notation;
+using orbline::test::TestSite;
+
+TEST(ConvertToBinary, HexadecimalDecimalAndCharacterModes) {
+    TestSite site;
+    Form().HiddenChar = QString(QChar(0x80));
+    // Blanks in runs and a CR LF separate tokens; a token that is no byte gives 0.
+    EXPECT_EQ(ConvertToBinary(u" 02  06\r\n0d "_s, 0), QByteArray("\x02\x06\x0D", 3));
+    EXPECT_EQ(ConvertToBinary(u"ZZ 1FF 0x1 -1 00FF"_s, 0), QByteArray("\0\0\0\0\xFF", 5));
+    EXPECT_EQ(ConvertToBinary(u"   "_s, 0), QByteArray());
+    EXPECT_EQ(ConvertToBinary(u"2 6 13 256 x"_s, 1), QByteArray("\x02\x06\x0D\0\0", 5));
+    EXPECT_EQ(ConvertToBinary(u"A\u0080B\u30A2"_s, 2), QByteArray("AB\xA2"));
+    EXPECT_EQ(GetByteArrayLength(ConvertToBinary(QString(), 0)), 0);
+}
+
+TEST(SendFixedReply, WritesTheTableTextThroughTheSendPane) {
+    TestSite site;
+    LineHarness harness;
+    FillLineLists();
+    Form().comm().SetDevicePath(harness.device());
+    ASSERT_TRUE(Form().comm().OpenPort1());
+
+    // Nothing was set yet: the empty text writes nothing.
+    SendFixedReply(4);
+    SendFixedReply(12);
+    EXPECT_EQ(harness.line.receive(2, std::chrono::seconds(2)), Notation("<ACK><CR>"));
+    // A code outside the table sends the last text again; a frame put in SendBytes goes as is.
+    SendFixedReply(9);
+    Ctx().SendBytes = "02 3E 03";
+    SendFixedReply(4);
+    EXPECT_EQ(harness.line.receive(5, std::chrono::seconds(2)), Notation("<ACK><CR><STX>><ETX>"));
+    EXPECT_EQ(Form().sendBytes.count, 0);
+    EXPECT_EQ(Form().labelBytesW, u"0"_s);
+
+    // The send pane's mode decides how the text is read: in the character mode the digits go.
+    Form().comboModeW.position = 2;
+    SendFixedReply(5);
+    EXPECT_EQ(harness.line.receive(2, std::chrono::seconds(2)), Notation("06"));
+    EXPECT_TRUE(harness.line.drain(std::chrono::milliseconds(100)).empty());
+}
