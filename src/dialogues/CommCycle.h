@@ -1,0 +1,10 @@
+#pragma once
+// The top of every dialogue's cycle: yield to the events (a stop or a close request runs
+// there), wait 10 ms, and ask the port how many bytes wait.
+
+namespace orbline {
+
+// True when the session still runs and at least one byte waits in the port's queue.
+bool NextCycleHasBytes();
+
+}  // namespace orbline

@@ -1,0 +1,119 @@
+// The tonometer against the running process: blocks cut into several reads, one ACK CR after
+// each block, one delivered result file, an empty work folder and the main log in order.
+
+#include "support/LinkProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+using namespace orbline::test;
+
+namespace {
+
+const QString kStamp = u":2025-04-16 09:30:15"_s;
+
+struct Played {
+    QStringList records;
+    QStringList log;
+};
+
+// Plays a print-out block by block, each cut into reads of 7 bytes, and waits for ACK CR after
+// each; then closes the process as its parent would.
+Played PlayPrintOut(LinkProcess& link, const QString& fixture) {
+    Played played;
+    const auto blocks = TonometerBlocks(ReadFixture(u"tonometer/"_s + fixture));
+    link.line.line.setRate(9600);
+    link.line.line.setChunks(7, std::chrono::milliseconds(15));
+    for (const QByteArray& block : blocks) {
+        EXPECT_TRUE(link.line.line.send(orbline::sim::Bytes(block.begin(), block.end())))
+            << link.line.line.error();
+        EXPECT_EQ(link.line.line.receive(2, std::chrono::seconds(5)), Notation("<ACK><CR>"));
+    }
+    EXPECT_TRUE(link.waitForDeliveries(1));
+    // Nothing more than one ACK CR per block came back.
+    EXPECT_TRUE(link.line.line.drain(std::chrono::milliseconds(200)).empty());
+    EXPECT_EQ(link.line.line.record().size(), blocks.size() * 2);
+
+    link.requestClose();
+    EXPECT_EQ(link.finish(), 0);
+    const QStringList files = link.deliveries();
+    EXPECT_EQ(files.size(), 1);
+    if (!files.isEmpty())
+        played.records = link.readDelivery(files.first()).split(u"\r\n"_s, Qt::SkipEmptyParts);
+    EXPECT_EQ(link.workFiles(), QStringList());
+    played.log = link.logMessages();
+    return played;
+}
+
+LinkProcess& Started(LinkProcess& link, const QString& extraKeys = QString()) {
+    link.writeSettings(extraKeys);
+    link.start();
+    EXPECT_TRUE(link.waitForLog(u"受信開始(Wait)"_s));
+    return link;
+}
+
+QStringList ExpectedLog(int blocks, const QString& sampleId) {
+    QStringList log{u"プログラム開始 -- 2620--"_s + kStamp,
+                    u"通信条件(Condition) 1:baud=9600 parity=なし data=8 stop=1:なし:1000"_s,
+                    u"受信開始(Wait) -- 2620--"_s + kStamp};
+    for (int i = 0; i < blocks - 1; ++i) log.append(u"データ受信中 -- 2620"_s + kStamp);
+    log.append(u"受信完了(Edit) -- 2620--"_s + kStamp);
+    log.append(u"出力完了(Write) -- 2620-"_s + sampleId + u"-"_s + kStamp);
+    log.append(u"プログラム終了(Query) -- 2620"_s + kStamp);
+    log.append(u"プログラム終了(kaijyo) -- 2620"_s + kStamp);
+    log.append(u"接続終了 -- 2620"_s + kStamp);
+    return log;
+}
+
+}  // namespace
+
+TEST(Tonometer2620, DefaultLayoutWithBothEyesBecomesOneResultFile) {
+    LinkProcess link;
+    const Played played = PlayPrintOut(Started(link), u"default-both-eyes.bin"_s);
+    const QString head = u"20250415,164500,,123,2620,TOMEY,000000,"_s;
+    EXPECT_EQ(played.records, QStringList({
+                                  head + u"2620010,IOP-R,,,,,15.3,mmHg,MIN,,,"_s,
+                                  head + u"2620020,IOP-L,,,,,16.3,mmHg,MIN,,,"_s,
+                                  head + u"2620030,C.IOP-R,,,,,14.8,mmHg,MIN,,,"_s,
+                                  head + u"2620040,C.IOP-L,,,,,15.5,mmHg,MIN,,,"_s,
+                                  head + u"2620050,CCT-R,,,,,546,um,MIN,,,"_s,
+                                  head + u"2620060,CCT-L,,,,,551,um,MIN,,,"_s,
+                              }));
+    EXPECT_EQ(played.log, ExpectedLog(5, u"123"_s));
+    // One block file per block, control characters and all. Their numbers count every read that
+    // ended in CR, so after the first they jump where a read ended inside a block.
+    const QStringList blockFiles = QDir(link.native(u"c2620"_s)).entryList(QDir::Files, QDir::Name);
+    EXPECT_EQ(blockFiles.size(), 5);
+    QFile first(link.native(u"c2620/c2620_0001.txt"_s));
+    ASSERT_TRUE(first.open(QIODevice::ReadOnly));
+    EXPECT_EQ(first.readAll(), QByteArray("\x05\r\r\n"));
+}
+
+TEST(Tonometer2620, FtLayoutGivesPressuresOfBothEyesWithoutUnit) {
+    LinkProcess link;
+    const Played played =
+        PlayPrintOut(Started(link, u"FT01Format=1\r\n"_s), u"ft-both-eyes.bin"_s);
+    const QString head = u"20250416,093000,,123,2620,TOMEY,000000,"_s;
+    EXPECT_EQ(played.records, QStringList({head + u"2620010,IOP-R,,,,,15,,MIN,,,"_s,
+                                           head + u"2620020,IOP-L,,,,,17,,MIN,,,"_s}));
+    EXPECT_EQ(played.log, ExpectedLog(3, u"123"_s));
+}
+
+TEST(Tonometer2620, NoDateLineGivesTodayAndNoTimeAndLeftOnlyGivesLeftRecords) {
+    {
+        LinkProcess link;
+        const Played played = PlayPrintOut(Started(link), u"default-no-date.bin"_s);
+        const QString head = u"20250416,,,A-0042,2620,TOMEY,000000,"_s;
+        EXPECT_EQ(played.records, QStringList({head + u"2620010,IOP-R,,,,,12.5,mmHg,MIN,,,"_s,
+                                               head + u"2620020,IOP-L,,,,,13.0,mmHg,MIN,,,"_s}));
+    }
+    {
+        LinkProcess link;
+        const Played played = PlayPrintOut(Started(link), u"default-left-only.bin"_s);
+        const QString head = u"20250416,100500,,456,2620,TOMEY,000000,"_s;
+        EXPECT_EQ(played.records, QStringList({head + u"2620020,IOP-L,,,,,18.5,mmHg,MIN,,,"_s,
+                                               head + u"2620060,CCT-L,,,,,560,um,MIN,,,"_s}));
+    }
+}

@@ -1,0 +1,57 @@
+#pragma once
+// A kv_orbline process under test: a site folder with its settings file, the process started on
+// it with the port on a pseudo-terminal, and the instrument's end of that terminal.
+
+#include "support/LineHarness.h"
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace orbline::test {
+
+class LinkProcess {
+  public:
+    LinkProcess();
+    ~LinkProcess();
+    LinkProcess(const LinkProcess&) = delete;
+    LinkProcess& operator=(const LinkProcess&) = delete;
+
+    // The settings file: section User with the work folder "wk" and the delivery folder
+    // "data", section TNMC with the instrument's name, a line format, the device of `line` and
+    // the extra keys ("Key=value" lines).
+    void writeSettings(const QString& extraKeys = QString(), const QString& device = QString());
+    // Starts kv_orbline with "code=0=TN=site" and a fixed clock.
+    void start(const QString& code = QStringLiteral("2620"));
+    // Waits until the main log holds the text.
+    bool waitForLog(const QString& text, int milliseconds = 10000) const;
+    // Waits until the delivery folder holds `count` files.
+    bool waitForDeliveries(int count, int milliseconds = 10000) const;
+    // SIGTERM (or another signal), as a parent closes the process.
+    void requestClose(int signal = 15);
+    // The exit status, or -1 when the process did not end in time or crashed.
+    int finish(int milliseconds = 10000);
+
+    // The messages of the main log, each without its "【...】" head, in order.
+    QStringList logMessages() const;
+    QStringList deliveries() const;
+    QString readDelivery(const QString& name) const;
+    QStringList workFiles() const;
+
+    QString native(const QString& relative = QString()) const;
+    LineHarness line;
+
+  private:
+    QTemporaryDir dir_;
+    QProcess process_;
+};
+
+// Splits a tonometer transmission into the blocks the instrument sends one at a time: the
+// start text ENQ CR, and each text up to ETX CR or EOT CR.
+std::vector<QByteArray> TonometerBlocks(const QByteArray& transmission);
+
+QByteArray ReadFixture(const QString& relative);
+
+}  // namespace orbline::test
