@@ -27,7 +27,8 @@ namespace {
 template <typename Matches>
 void Walk(ListControl& list, qsizetype last, Matches matches) {
     for (qsizetype position = 0; position <= last; ++position) {
-        const QString entry = position < list.entries.size() ? list.entries.at(position) : QString();
+        const QString entry =
+            position < list.entries.size() ? list.entries.at(position) : QString();
         if (!entry.isEmpty() && matches(entry)) {
             list.position = position;
             return;
@@ -219,7 +220,8 @@ void Form_QueryUnload(std::int16_t& cancel) {
     Form_TesvaneMain& f = Form();
     LogFileOnly(u"プログラム終了(Query) -- "_s, LogForm::Short);
     // The message of a refused close; kept, never shown: an unattended process must end.
-    [[maybe_unused]] const QString refusal = u"接続中は終了できません。接続を解除してください。    "_s;
+    [[maybe_unused]] const QString refusal =
+        u"接続中は終了できません。接続を解除してください。    "_s;
     if (f.Connected) {
         Cmd_Kaijyo();
         cancel = 1;

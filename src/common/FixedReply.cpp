@@ -104,7 +104,8 @@ void SendFixedReply(std::int16_t code) {
         RunContext& c = Ctx();
         Form_TesvaneMain& f = Form();
         c.SendBytes = FixedReplyText(code);
-        const QByteArray bytes = ConvertToBinary(QString::fromLatin1(c.SendBytes), f.comboModeW.position);
+        const QByteArray bytes =
+            ConvertToBinary(QString::fromLatin1(c.SendBytes), f.comboModeW.position);
         f.sendBytes.bytes = bytes;
         f.sendBytes.count = GetByteArrayLength(bytes);
         // A false write is no error here and is not looked at.

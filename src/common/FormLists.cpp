@@ -24,9 +24,9 @@ void FillLineLists() {
     QStringList ports;
     for (int n = 1; n <= 255; ++n) ports.append(QString::number(n));
     Fill(f.comboPort, ports);
-    Fill(f.comboBaudRate, {u"75"_s, u"150"_s, u"300"_s, u"600"_s, u"1200"_s, u"1800"_s,
-                           u"2400"_s, u"4800"_s, u"7200"_s, u"9600"_s, u"14400"_s, u"19200"_s,
-                           u"38400"_s, u"57600"_s, u"115200"_s});
+    Fill(f.comboBaudRate,
+         {u"75"_s, u"150"_s, u"300"_s, u"600"_s, u"1200"_s, u"1800"_s, u"2400"_s, u"4800"_s,
+          u"7200"_s, u"9600"_s, u"14400"_s, u"19200"_s, u"38400"_s, u"57600"_s, u"115200"_s});
     Fill(f.comboDataBits, {u"4"_s, u"5"_s, u"6"_s, u"7"_s, u"8"_s});
     Fill(f.comboParity, {u"なし"_s, u"奇数"_s, u"偶数"_s, u"マーク"_s, u"スペース"_s});
     Fill(f.comboStopBits, {u"1"_s, u"1.5"_s, u"2"_s});
@@ -49,8 +49,7 @@ void FillConsoleLists() {
     Fill(f.comboMin, values);
     Fill(f.comboMax, values);
     f.comboMax.position = values.size() - 1;
-    Fill(f.comboCondition,
-         {u"なし"_s, u"CTS-OFF"_s, u"CTS- ON"_s, u"DSR-OFF"_s, u"DSR- ON"_s});
+    Fill(f.comboCondition, {u"なし"_s, u"CTS-OFF"_s, u"CTS- ON"_s, u"DSR-OFF"_s, u"DSR- ON"_s});
 }
 
 void BuildCodeTables() {

@@ -93,8 +93,7 @@ TEST(Tonometer2620, DefaultLayoutWithBothEyesBecomesOneResultFile) {
 
 TEST(Tonometer2620, FtLayoutGivesPressuresOfBothEyesWithoutUnit) {
     LinkProcess link;
-    const Played played =
-        PlayPrintOut(Started(link, u"FT01Format=1\r\n"_s), u"ft-both-eyes.bin"_s);
+    const Played played = PlayPrintOut(Started(link, u"FT01Format=1\r\n"_s), u"ft-both-eyes.bin"_s);
     const QString head = u"20250416,093000,,123,2620,TOMEY,000000,"_s;
     EXPECT_EQ(played.records, QStringList({head + u"2620010,IOP-R,,,,,15,,MIN,,,"_s,
                                            head + u"2620020,IOP-L,,,,,17,,MIN,,,"_s}));
@@ -116,4 +115,29 @@ TEST(Tonometer2620, NoDateLineGivesTodayAndNoTimeAndLeftOnlyGivesLeftRecords) {
         EXPECT_EQ(played.records, QStringList({head + u"2620020,IOP-L,,,,,18.5,mmHg,MIN,,,"_s,
                                                head + u"2620060,CCT-L,,,,,560,um,MIN,,,"_s}));
     }
+}
+
+// The buffer has no bound of its own: a text grows until a CR with ETX or EOT before it ends it,
+// however long the line stays without one, and the whole text is one block.
+TEST(Tonometer2620, ATextWithoutABlockEndGrowsUntilOneComesAndIsOneBlock) {
+    LinkProcess link;
+    Started(link);
+    auto& line = link.line.line;
+    line.setRate(115200);
+    // A CR with the ETX in the middle of the text is no block end: no reply.
+    ASSERT_TRUE(line.send(Notation("  TOMEY<ETX> TONOMETER<CR>")));
+    EXPECT_TRUE(line.drain(std::chrono::milliseconds(300)).empty());
+    orbline::sim::Bytes noise(20000, 'x');
+    ASSERT_TRUE(line.send(noise)) << line.error();
+    ASSERT_TRUE(line.send(Notation("<ETX><CR>")));
+    EXPECT_EQ(line.receive(2, std::chrono::seconds(5)), Notation("<ACK><CR>"));
+    ASSERT_TRUE(line.send(Notation("<EOT><CR>")));
+    EXPECT_EQ(line.receive(2, std::chrono::seconds(5)), Notation("<ACK><CR>"));
+    EXPECT_TRUE(link.waitForLog(u"出力データなし"_s));
+    link.requestClose();
+    EXPECT_EQ(link.finish(), 0);
+
+    QFile block(link.native(u"c2620/c2620_0002.txt"_s));
+    ASSERT_TRUE(block.open(QIODevice::ReadOnly));
+    EXPECT_EQ(block.size(), 19 + 20000 + 2 + 2);  // the texts, ETX CR, and the file's CR LF
 }

@@ -10,8 +10,8 @@
 #include <fstream>
 #include <thread>
 
-#include "serial/AwComm.h"
 #include "common/AwCommText.h"
+#include "serial/AwComm.h"
 #include "support/LineHarness.h"
 
 namespace orbline {
