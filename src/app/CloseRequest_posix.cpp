@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+#include <cerrno>
 #include <csignal>
 
 namespace orbline {
@@ -47,9 +48,14 @@ bool InstallCloseRequest(CloseHandler handler) {
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
     bool installed = true;
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+    sigset_t closeSignals;
+    sigemptyset(&closeSignals);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         installed = ::sigaction(signal, &action, nullptr) == 0 && installed;
-    return installed;
+        sigaddset(&closeSignals, signal);
+    }
+    // A parent may have started the process with these blocked; its close request must arrive.
+    return ::pthread_sigmask(SIG_UNBLOCK, &closeSignals, nullptr) == 0 && installed;
 }
 
 void SetCloseRequestCaption(const std::u16string& /*caption*/) {

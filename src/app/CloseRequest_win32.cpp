@@ -12,7 +12,9 @@ HWND closeWindow = nullptr;
 // Messages of the thread's windows are dispatched by the event loop's yield, so WM_CLOSE runs
 // the handler on the logic thread, nested in the dialogue like any other event.
 LRESULT CALLBACK CloseWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_CLOSE) {
+    // Windows ending the session asks every top-level window to close, as a parent does.
+    const bool closing = message == WM_CLOSE || (message == WM_ENDSESSION && wParam != FALSE);
+    if (closing) {
         if (closeHandler != nullptr) closeHandler();
         return 0;
     }

@@ -62,7 +62,7 @@ void EnableLineSettings(bool enabled) {
     f.checkLoopWrite.enabled = !enabled;
 }
 
-void AbnormalEnd(const QString& description) {
+[[noreturn]] void AbnormalEnd(const QString& description) {
     Ctx().AbendFlag = 1;
     Ctx().AbendText = description;
     GAbendExit();

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -25,21 +24,6 @@ void PrepareSite(const TestSite& site) {
     Ctx().RunMarkDefault = u"1"_s;
     Ctx().JyusinWKPath = site.path(kWorkFolder);
     Ctx().JyusinDataPath = site.path(kDataFolder);
-}
-
-// A transmission cut into the blocks the dialogue hands over: each ends with the CR behind
-// ENQ, ETX or EOT, control bytes included.
-QStringList TransmissionBlocks(const QByteArray& bytes) {
-    QStringList blocks;
-    qsizetype start = 0;
-    for (qsizetype i = 1; i < bytes.size(); ++i) {
-        const char before = bytes[i - 1];
-        if (bytes[i] == '\r' && (before == '\x05' || before == '\x03' || before == '\x04')) {
-            blocks.append(PortText(bytes.mid(start, i + 1 - start)));
-            start = i + 1;
-        }
-    }
-    return blocks;
 }
 
 void LoadBlocks(const QStringList& blocks) {
@@ -89,51 +73,8 @@ QString Record(const QString& dateTimeSample, const QString& item, const QString
 
 }  // namespace
 
-TEST(Edit2620Fixtures, EachPrintOutGivesTheRecordsOfItsReadme) {
-    struct Case {
-        const char* file;
-        const char* ftFormat;
-        QStringList lines;
-    };
-    const QString both = u"20250415,164500,123"_s;
-    const QString ft = u"20250416,093000,123"_s;
-    const QString noDate = u"20250416,,A-0042"_s;
-    const QString left = u"20250416,100500,456"_s;
-    const Case cases[] = {
-        {"default-both-eyes.bin",
-         "0",
-         {Record(both, u"2620010,IOP-R"_s, u"15.3,mmHg"_s),
-          Record(both, u"2620020,IOP-L"_s, u"16.3,mmHg"_s),
-          Record(both, u"2620030,C.IOP-R"_s, u"14.8,mmHg"_s),
-          Record(both, u"2620040,C.IOP-L"_s, u"15.5,mmHg"_s),
-          Record(both, u"2620050,CCT-R"_s, u"546,um"_s),
-          Record(both, u"2620060,CCT-L"_s, u"551,um"_s)}},
-        {"ft-both-eyes.bin",
-         "1",
-         {Record(ft, u"2620010,IOP-R"_s, u"15,"_s), Record(ft, u"2620020,IOP-L"_s, u"17,"_s)}},
-        {"default-no-date.bin",
-         "0",
-         {Record(noDate, u"2620010,IOP-R"_s, u"12.5,mmHg"_s),
-          Record(noDate, u"2620020,IOP-L"_s, u"13.0,mmHg"_s)}},
-        {"default-left-only.bin",
-         "0",
-         {Record(left, u"2620020,IOP-L"_s, u"18.5,mmHg"_s),
-          Record(left, u"2620060,CCT-L"_s, u"560,um"_s)}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.file);
-        TestSite site;
-        PrepareSite(site);
-        Ctx().FT01Format = QString::fromLatin1(c.ftFormat);
-        QFile fixture(QStringLiteral(ORBLINE_FIXTURES_DIR "/tonometer/") +
-                      QString::fromLatin1(c.file));
-        ASSERT_TRUE(fixture.open(QIODevice::ReadOnly));
-        LoadBlocks(TransmissionBlocks(fixture.readAll()));
-        EditResult2620();
-        EXPECT_EQ(DeliveredLines(site), c.lines);
-        EXPECT_TRUE(Entries(site, kWorkFolder).isEmpty());
-    }
-}
+// The print-outs of tests/fixtures/tonometer go through the running process in the
+// scenario tests.
 
 TEST(Edit2620FtLayout, TomeyLineSetsSampleDateAndTimeAndOnlyTrTlLinesGiveRows) {
     ScanInputs2620 in = DefaultInputs();
@@ -243,14 +184,6 @@ TEST(Edit2620Edit, NothingToReportLogsNoOutputAndLeavesNoFile) {
     EXPECT_TRUE(MainLog(site).contains(u"Size=0のため出力なし -- "_s));
     EXPECT_TRUE(Entries(site, kWorkFolder).isEmpty());
     EXPECT_FALSE(site.exists(kDataFolder));
-}
-
-TEST(Edit2620Scan, TheRowTableHoldsAHundredRowsOverAllBlocks) {
-    ScanInputs2620 ft = DefaultInputs();
-    ft.ftLayout = true;
-    const QString fifty = u"TR15\r"_s.repeated(50);
-    EXPECT_EQ(Scan({fifty, fifty}, ft).size(), 100u);
-    EXPECT_THROW(Scan({fifty, fifty, u"TL17"_s}, ft), RuntimeError);
 }
 
 TEST(Edit2620DeathTest, ARowPastAHundredEndsTheProcessBeforeAnyFile) {
