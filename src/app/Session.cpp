@@ -14,8 +14,6 @@
 #include "serial/AwComm.h"
 #include "tables/MdlOption.h"
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 
 namespace orbline {
@@ -62,12 +60,6 @@ void EnableLineSettings(bool enabled) {
     f.checkLoopWrite.enabled = !enabled;
 }
 
-[[noreturn]] void AbnormalEnd(const QString& description) {
-    Ctx().AbendFlag = 1;
-    Ctx().AbendText = description;
-    GAbendExit();
-}
-
 void OpenSession() {
     Form_TesvaneMain& f = Form();
     AwComm& comm = f.comm();
@@ -86,7 +78,7 @@ void OpenSession() {
         f.checkLoopWrite.value = 0;
         LogEvent(u"接続失敗 --   "_s, u"接続失敗 -- "_s, LogForm::Short);
         // A failed open raises no error of its own: the text of the abnormal end is empty.
-        AbnormalEnd(QString());
+        ErrorExit(QString());
     }
     f.Connected = true;
     comm.SetRts(f.checkRts.value == 1);
@@ -189,7 +181,7 @@ void SetConnected(bool connect) {
         else
             CloseSession();
     } catch (const RuntimeError& error) {
-        AbnormalEnd(error.description());
+        ErrorExit(error.description());
     }
 }
 

@@ -116,9 +116,7 @@ void SendFixedReply(std::int16_t code) {
         f.textDataW.clear();
         ShowByteCounts();
     } catch (const RuntimeError& error) {
-        Ctx().AbendFlag = 1;
-        Ctx().AbendText = error.description();
-        GAbendExit();
+        ErrorExit(error.description());
     }
 }
 

@@ -146,4 +146,10 @@ void GAbendExit() {
     EndProcess();
 }
 
+void ErrorExit(const QString& description) {
+    Ctx().AbendFlag = 1;
+    Ctx().AbendText = description;
+    GAbendExit();
+}
+
 }  // namespace orbline

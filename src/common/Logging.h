@@ -49,5 +49,8 @@ void DataOut(const QString& folder, const QString& numberText, const QString& sp
 // Logs the abnormal end when AbendFlag is set and ends the process: status 1 when AbendFlag is
 // set, 0 otherwise.
 [[noreturn]] void GAbendExit();
+// The error exit of a procedure that has one: AbendFlag 1, the error's description in
+// AbendText, then GAbendExit.
+[[noreturn]] void ErrorExit(const QString& description);
 
 }  // namespace orbline

@@ -233,9 +233,7 @@ void EditResult2620() {
     try {
         RunEdit();
     } catch (const RuntimeError& error) {
-        Ctx().AbendFlag = 1;
-        Ctx().AbendText = error.description();
-        GAbendExit();
+        ErrorExit(error.description());
     }
 }
 

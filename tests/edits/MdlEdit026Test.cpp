@@ -9,6 +9,8 @@
 
 #include <QDir>
 
+#include <random>
+
 using namespace Qt::StringLiterals;
 using namespace orbline;
 using orbline::test::TestSite;
@@ -207,4 +209,28 @@ TEST(Edit2620DeathTest, AFailedDeliveryEndsTheProcessAndLeavesTheWorkFile) {
     EXPECT_TRUE(DecodeAnsi(site.readFile(kWorkFolder + u"/"_s + left.first()))
                     .startsWith(Record(u"20250416,,"_s, u"2620030,C.IOP-R"_s, u"14,mmHg"_s)));
     EXPECT_TRUE(MainLog(site).contains(u"プログラム異常終了 -- 【 "_s + errors::PathNotFound()));
+}
+
+// Any bytes a broken line can bring give rows or, past a hundred rows, the error exit's
+// RuntimeError; never another failure.
+TEST(Edit2620Scan, RandomTextNeverFailsOtherThanByTheRowLimit) {
+    std::mt19937 random(2620);
+    const QString alphabet = u"\r\n\x03\x04\x05/:.[]<>TRLOMEYNoID0123456789 abcRIGHT"_s;
+    for (const bool ft : {false, true}) {
+        ScanInputs2620 inputs = DefaultInputs();
+        inputs.ftLayout = ft;
+        for (int round = 0; round < 300; ++round) {
+            QString block;
+            const int length = static_cast<int>(random() % 200);
+            for (int i = 0; i < length; ++i)
+                block.append(alphabet.at(static_cast<qsizetype>(random() % alphabet.size())));
+            ScanState2620 state = StartScan2620(inputs);
+            try {
+                ScanBlock2620(block, inputs, state);
+            } catch (const RuntimeError&) {
+                EXPECT_EQ(state.rows.size(), static_cast<size_t>(kMaxRows2620))
+                    << block.toStdString();
+            }
+        }
+    }
 }
