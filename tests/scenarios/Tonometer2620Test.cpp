@@ -54,66 +54,69 @@ LinkProcess& Started(LinkProcess& link, const QString& extraKeys = QString()) {
     return link;
 }
 
-QStringList ExpectedLog(int blocks, const QString& sampleId) {
-    QStringList log{u"プログラム開始 -- 2620--"_s + kStamp,
-                    u"通信条件(Condition) 1:baud=9600 parity=なし data=8 stop=1:なし:1000"_s,
-                    u"受信開始(Wait) -- 2620--"_s + kStamp};
-    for (int i = 0; i < blocks - 1; ++i) log.append(u"データ受信中 -- 2620"_s + kStamp);
-    log.append(u"受信完了(Edit) -- 2620--"_s + kStamp);
-    log.append(u"出力完了(Write) -- 2620-"_s + sampleId + u"-"_s + kStamp);
-    log.append(u"プログラム終了(Query) -- 2620"_s + kStamp);
-    log.append(u"プログラム終了(kaijyo) -- 2620"_s + kStamp);
-    log.append(u"接続終了 -- 2620"_s + kStamp);
-    return log;
-}
-
 }  // namespace
 
-TEST(Tonometer2620, DefaultLayoutWithBothEyesBecomesOneResultFile) {
-    LinkProcess link;
-    const Played played = PlayPrintOut(Started(link), u"default-both-eyes.bin"_s);
-    const QString head = u"20250415,164500,,123,2620,TOMEY,000000,"_s;
-    EXPECT_EQ(played.records, QStringList({
-                                  head + u"2620010,IOP-R,,,,,15.3,mmHg,MIN,,,"_s,
-                                  head + u"2620020,IOP-L,,,,,16.3,mmHg,MIN,,,"_s,
-                                  head + u"2620030,C.IOP-R,,,,,14.8,mmHg,MIN,,,"_s,
-                                  head + u"2620040,C.IOP-L,,,,,15.5,mmHg,MIN,,,"_s,
-                                  head + u"2620050,CCT-R,,,,,546,um,MIN,,,"_s,
-                                  head + u"2620060,CCT-L,,,,,551,um,MIN,,,"_s,
-                              }));
-    EXPECT_EQ(played.log, ExpectedLog(5, u"123"_s));
-    // One block file per block, control characters and all. Their numbers count every read that
-    // ended in CR, so after the first they jump where a read ended inside a block.
-    const QStringList blockFiles = QDir(link.native(u"c2620"_s)).entryList(QDir::Files, QDir::Name);
-    EXPECT_EQ(blockFiles.size(), 5);
-    QFile first(link.native(u"c2620/c2620_0001.txt"_s));
-    ASSERT_TRUE(first.open(QIODevice::ReadOnly));
-    EXPECT_EQ(first.readAll(), QByteArray("\x05\r\r\n"));
-}
-
-TEST(Tonometer2620, FtLayoutGivesPressuresOfBothEyesWithoutUnit) {
-    LinkProcess link;
-    const Played played = PlayPrintOut(Started(link, u"FT01Format=1\r\n"_s), u"ft-both-eyes.bin"_s);
-    const QString head = u"20250416,093000,,123,2620,TOMEY,000000,"_s;
-    EXPECT_EQ(played.records, QStringList({head + u"2620010,IOP-R,,,,,15,,MIN,,,"_s,
-                                           head + u"2620020,IOP-L,,,,,17,,MIN,,,"_s}));
-    EXPECT_EQ(played.log, ExpectedLog(3, u"123"_s));
-}
-
-TEST(Tonometer2620, NoDateLineGivesTodayAndNoTimeAndLeftOnlyGivesLeftRecords) {
-    {
+// Each print-out of tests/fixtures/tonometer through the process. The main log is compared for
+// one of each layout: the events in order, with the sample number of the edit in the last.
+TEST(Tonometer2620, EachPrintOutBecomesOneResultFileAndTheLogTellsItsDialogue) {
+    struct Case {
+        QString fixture;
+        QString keys;
+        QString head;
+        QStringList tails;
+        int blocksLogged;
+    };
+    const Case cases[] = {
+        {u"default-both-eyes.bin"_s,
+         QString(),
+         u"20250415,164500,,123"_s,
+         {u"2620010,IOP-R,,,,,15.3,mmHg"_s, u"2620020,IOP-L,,,,,16.3,mmHg"_s,
+          u"2620030,C.IOP-R,,,,,14.8,mmHg"_s, u"2620040,C.IOP-L,,,,,15.5,mmHg"_s,
+          u"2620050,CCT-R,,,,,546,um"_s, u"2620060,CCT-L,,,,,551,um"_s},
+         4},
+        {u"ft-both-eyes.bin"_s,
+         u"FT01Format=1\r\n"_s,
+         u"20250416,093000,,123"_s,
+         {u"2620010,IOP-R,,,,,15,"_s, u"2620020,IOP-L,,,,,17,"_s},
+         2},
+        // No date line: today, and no time.
+        {u"default-no-date.bin"_s,
+         QString(),
+         u"20250416,,,A-0042"_s,
+         {u"2620010,IOP-R,,,,,12.5,mmHg"_s, u"2620020,IOP-L,,,,,13.0,mmHg"_s},
+         0},
+        // The rows with empty right values give no record.
+        {u"default-left-only.bin"_s,
+         QString(),
+         u"20250416,100500,,456"_s,
+         {u"2620020,IOP-L,,,,,18.5,mmHg"_s, u"2620060,CCT-L,,,,,560,um"_s},
+         0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fixture.toStdString());
         LinkProcess link;
-        const Played played = PlayPrintOut(Started(link), u"default-no-date.bin"_s);
-        const QString head = u"20250416,,,A-0042,2620,TOMEY,000000,"_s;
-        EXPECT_EQ(played.records, QStringList({head + u"2620010,IOP-R,,,,,12.5,mmHg,MIN,,,"_s,
-                                               head + u"2620020,IOP-L,,,,,13.0,mmHg,MIN,,,"_s}));
-    }
-    {
-        LinkProcess link;
-        const Played played = PlayPrintOut(Started(link), u"default-left-only.bin"_s);
-        const QString head = u"20250416,100500,,456,2620,TOMEY,000000,"_s;
-        EXPECT_EQ(played.records, QStringList({head + u"2620020,IOP-L,,,,,18.5,mmHg,MIN,,,"_s,
-                                               head + u"2620060,CCT-L,,,,,560,um,MIN,,,"_s}));
+        const Played played = PlayPrintOut(Started(link, c.keys), c.fixture);
+        QStringList records;
+        for (const QString& tail : c.tails)
+            records.append(c.head + u",2620,TOMEY,000000,"_s + tail + u",MIN,,,"_s);
+        EXPECT_EQ(played.records, records);
+        // One block file per block, control characters and all. Their numbers count every read
+        // that ended in CR, so after the first they jump where a read ended inside a block.
+        const auto blocks = TonometerBlocks(ReadFixture(u"tonometer/"_s + c.fixture));
+        EXPECT_EQ(QDir(link.native(u"c2620"_s)).entryList(QDir::Files).size(), blocks.size());
+        QFile first(link.native(u"c2620/c2620_0001.txt"_s));
+        EXPECT_TRUE(first.open(QIODevice::ReadOnly));
+        EXPECT_EQ(first.readAll(), blocks.front() + "\r\n");
+        if (c.blocksLogged == 0) continue;
+
+        QStringList log{u"プログラム開始 -- 2620--"_s + kStamp,
+                        u"通信条件(Condition) 1:baud=9600 parity=なし data=8 stop=1:なし:1000"_s,
+                        u"受信開始(Wait) -- 2620--"_s + kStamp};
+        for (int i = 0; i < c.blocksLogged; ++i) log.append(u"データ受信中 -- 2620"_s + kStamp);
+        log << u"受信完了(Edit) -- 2620--"_s + kStamp << u"出力完了(Write) -- 2620-123-"_s + kStamp
+            << u"プログラム終了(Query) -- 2620"_s + kStamp
+            << u"プログラム終了(kaijyo) -- 2620"_s + kStamp << u"接続終了 -- 2620"_s + kStamp;
+        EXPECT_EQ(played.log, log);
     }
 }
 
