@@ -1,6 +1,7 @@
 // kv_orbline: one process per instrument. The parent passes everything on the command line.
 
 #include "app/CloseRequest.h"
+#include "app/CommandLine.h"
 #include "app/Launch.h"
 #include "app/Session.h"
 #include "common/Form.h"
@@ -38,7 +39,9 @@ int main(int argc, char** argv) {
     if (!InstallCloseRequest(&CloseRequestArrived))
         std::fputs("kv_orbline: the close request cannot be received\n", stderr);
 
-    Form_Load(JoinArguments(argc, argv));
+    std::u16string raw;
+    Form_Load(RawCommandArguments(raw) ? QString::fromStdU16String(raw)
+                                       : JoinArguments(argc, argv));
     // After a stop the form waits for the next command or the close request.
     return QCoreApplication::exec();
 }

@@ -1,4 +1,5 @@
 #include "app/Session.h"
+#include "common/AnsiCodec.h"
 #include "common/Form.h"
 #include "common/FormLists.h"
 #include "common/RunContext.h"
@@ -39,4 +40,15 @@ TEST(LineLists, SettingsSelectTheirEntriesAndAMismatchKeepsTheList) {
     SelectLineLists();
     EXPECT_EQ(Form().comboPort.position, 254);
     EXPECT_EQ(Form().comboParity.text(), u"スペース"_s);
+}
+
+TEST(SessionDeathTest, ACloseRequestWhileStoppedLogsOneLineAndEndsByTheAbendFlag) {
+    TestSite site;
+    std::int16_t cancel = 0;
+    EXPECT_EXIT(Form_QueryUnload(cancel), ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(
+        DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)),
+        u"【検査： 2620-0-2025-04-16 09:30:15】プログラム終了(Query) -- 2620:2025-04-16 09:30:15\r\n"_s);
+    Ctx().AbendFlag = 1;
+    EXPECT_EXIT(Form_QueryUnload(cancel), ::testing::ExitedWithCode(1), "");
 }
