@@ -45,31 +45,7 @@ QByteArray TokensToBytes(const QString& text, bool hexadecimal) {
     return bytes;
 }
 
-}  // namespace
-
-QByteArray ConvertToBinary(const QString& text, qsizetype mode) {
-    switch (mode) {
-        case 0:
-            return TokensToBytes(text, true);
-        case 1:
-            return TokensToBytes(text, false);
-        case 2: {
-            QByteArray bytes;
-            const QString hidden = Form().HiddenChar;
-            for (const QChar c : text)
-                if (hidden.isEmpty() || c != hidden.at(0))
-                    bytes.append(static_cast<char>(c.unicode() & 0xFF));
-            return bytes;
-        }
-        default:
-            return {};
-    }
-}
-
-std::int32_t GetByteArrayLength(const QByteArray& bytes) {
-    return static_cast<std::int32_t>(bytes.size());
-}
-
+// The hexadecimal text of a fixed reply; codes outside the table keep SendBytes as it is.
 QByteArray FixedReplyText(std::int16_t code) {
     switch (code) {
         case 1:
@@ -97,6 +73,31 @@ QByteArray FixedReplyText(std::int16_t code) {
         default:
             return Ctx().SendBytes;
     }
+}
+
+}  // namespace
+
+QByteArray ConvertToBinary(const QString& text, qsizetype mode) {
+    switch (mode) {
+        case 0:
+            return TokensToBytes(text, true);
+        case 1:
+            return TokensToBytes(text, false);
+        case 2: {
+            QByteArray bytes;
+            const QString hidden = Form().HiddenChar;
+            for (const QChar c : text)
+                if (hidden.isEmpty() || c != hidden.at(0))
+                    bytes.append(static_cast<char>(c.unicode() & 0xFF));
+            return bytes;
+        }
+        default:
+            return {};
+    }
+}
+
+std::int32_t GetByteArrayLength(const QByteArray& bytes) {
+    return static_cast<std::int32_t>(bytes.size());
 }
 
 void SendFixedReply(std::int16_t code) {

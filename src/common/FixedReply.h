@@ -15,8 +15,6 @@ namespace orbline {
 QByteArray ConvertToBinary(const QString& text, qsizetype mode);
 std::int32_t GetByteArrayLength(const QByteArray& bytes);
 
-// The hexadecimal text of a fixed reply; codes outside the table keep SendBytes as it is.
-QByteArray FixedReplyText(std::int16_t code);
 // Sets SendBytes from the table (or keeps it), writes it to the port through the send pane,
 // yields once and empties the pane. A run-time error in it ends the process.
 void SendFixedReply(std::int16_t code);

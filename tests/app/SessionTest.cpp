@@ -23,8 +23,9 @@ TEST(LineLists, SettingsSelectTheirEntriesAndAMismatchKeepsTheList) {
     c.HandshakeCode = u"R"_s;
     c.TimeOutMs = 5000;
     SelectLineLists();
-    EXPECT_EQ(ConditionText(),
-              u"通信条件(Condition) 3:baud=14400 parity=偶数 data=7 stop=1.5:RTS/CTS:5000"_s);
+    const QString selected =
+        u"通信条件(Condition) 3:baud=14400 parity=偶数 data=7 stop=1.5:RTS/CTS:5000"_s;
+    EXPECT_EQ(ConditionText(), selected);
 
     // Letters are case-sensitive, and a number that no entry has leaves the list as it was.
     c.PortNo = 256;
@@ -33,8 +34,7 @@ TEST(LineLists, SettingsSelectTheirEntriesAndAMismatchKeepsTheList) {
     c.HandshakeCode = u"n"_s;
     c.StopBitsNo = 3;
     SelectLineLists();
-    EXPECT_EQ(ConditionText(),
-              u"通信条件(Condition) 3:baud=14400 parity=偶数 data=7 stop=1.5:RTS/CTS:5000"_s);
+    EXPECT_EQ(ConditionText(), selected);
     c.PortNo = 255;
     c.ParityCode = u"s"_s;
     SelectLineLists();
