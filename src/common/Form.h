@@ -109,6 +109,11 @@ struct Form_TesvaneMain {
     bool Timer2Enabled = false;
     std::int32_t byteCounter = 0;
 
+    // Order phase of the frame dialogues: the key of the query being answered, and the whole
+    // text of an order record that needs two frames.
+    QString QuerySampleId;
+    QString LongRecord;
+
     // Code tables of the panes, built by the start command: two hexadecimal digits, three
     // decimal digits, and the character (HiddenChar for 0 and 128 to 255).
     std::array<QString, 256> hexTable;

@@ -87,6 +87,19 @@ std::int16_t HasFiles(std::int16_t kind, const QString& folder) {
     return (!names.isEmpty() && names.first().size() > 1) ? 1 : 0;
 }
 
+namespace {
+
+// A new name in JyusinDataPath, the move there, and the log pair "出力完了(Write) -- ".
+void MoveIntoDelivery(const QString& workPath, QString* deliveredPath) {
+    QString target;
+    MakeOutFile(Ctx().JyusinDataPath, target);
+    if (!MoveFileDurable(workPath, target)) throw RuntimeError(errors::PathNotFound());
+    if (deliveredPath != nullptr) *deliveredPath = target;
+    LogEvent(u"出力完了(Write) -- "_s, u"出力完了(Write) -- "_s, LogForm::Full);
+}
+
+}  // namespace
+
 Delivery DeliverWorkFile(const QString& workPath, QString* deliveredPath) {
     const auto length = FileLength(workPath);
     if (!length) throw RuntimeError(errors::FileNotFound());
@@ -95,12 +108,12 @@ Delivery DeliverWorkFile(const QString& workPath, QString* deliveredPath) {
         LogEvent(u"Size=0のため出力なし -- "_s, u"Size=0のため出力なし -- "_s, LogForm::Full);
         return Delivery::Empty;
     }
-    QString target;
-    MakeOutFile(Ctx().JyusinDataPath, target);
-    if (!MoveFileDurable(workPath, target)) throw RuntimeError(errors::PathNotFound());
-    if (deliveredPath != nullptr) *deliveredPath = target;
-    LogEvent(u"出力完了(Write) -- "_s, u"出力完了(Write) -- "_s, LogForm::Full);
+    MoveIntoDelivery(workPath, deliveredPath);
     return Delivery::Delivered;
+}
+
+void DeliverWorkFileAsIs(const QString& workPath, QString* deliveredPath) {
+    MoveIntoDelivery(workPath, deliveredPath);
 }
 
 void LogNoOutput() {

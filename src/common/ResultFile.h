@@ -31,6 +31,9 @@ enum class Delivery { Delivered, Empty };
 // JyusinDataPath and the move ("出力完了(Write) -- "); when empty, its deletion
 // ("Size=0のため出力なし -- "). A failed move throws RuntimeError and leaves the work file.
 Delivery DeliverWorkFile(const QString& workPath, QString* deliveredPath = nullptr);
+// The same move and log with no test of the size, for an edit that delivers its work file even
+// when it is empty (1160). A failed move throws RuntimeError and leaves the work file.
+void DeliverWorkFileAsIs(const QString& workPath, QString* deliveredPath = nullptr);
 // Logs "出力データなし -- " for an edit that had no rows at all.
 void LogNoOutput();
 

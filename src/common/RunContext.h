@@ -112,6 +112,9 @@ struct RunContext {
     BoundedArray<QString> RawBlockList{5000};
     std::int16_t RawBlockCount = 0;
     QString BlockEnd1671;
+    // Every frame the full frame check saw in this run, from element 1.
+    BoundedArray<QString> FrameHistory0990{1000};
+    std::int32_t FrameHistoryCount0990 = 0;
     std::int16_t PressureRowCount = 0;
     BoundedArray<QString> ItemNames{500};
     BoundedArray<QString> ItemCodes{500};

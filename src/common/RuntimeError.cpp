@@ -19,5 +19,8 @@ QString FileNotFound() {
 QString PathNotFound() {
     return u"パスが見つかりません。"_s;
 }
+QString BadFileNameOrNumber() {
+    return u"ファイル名または番号が不正です。"_s;
+}
 
 }  // namespace orbline::errors

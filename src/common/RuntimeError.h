@@ -27,6 +27,7 @@ QString SubscriptOutOfRange();
 QString Overflow();
 QString FileNotFound();
 QString PathNotFound();
+QString BadFileNameOrNumber();  // a write to a file handle that is closed or was never opened
 }  // namespace errors
 
 // Runs one step; a RuntimeError inside it is swallowed so that the next step runs.

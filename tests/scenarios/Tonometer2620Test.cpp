@@ -146,24 +146,3 @@ TEST(Tonometer2620, ATextWithoutABlockEndGrowsUntilOneComesAndIsOneBlock) {
     ASSERT_TRUE(block.open(QIODevice::ReadOnly));
     EXPECT_EQ(block.size(), 19 + 20000 + 2 + 2);  // the texts, ETX CR, and the file's CR LF
 }
-
-// The simulator script of the README's demo plays the tonometer against the process.
-TEST(Tonometer2620, TheDemoScriptOfTheSimulatorDeliversAResult) {
-    LinkProcess link;
-    const QString device = link.native(u"tty"_s);
-    QProcess simulator;
-    simulator.start(QString::fromLocal8Bit(KV_SIMULATOR_EXE),
-                    {u"--pty"_s, device,
-                     QString::fromLocal8Bit(ORBLINE_SOURCE_DIR) +
-                         u"/tools/simulator/scripts/tonometer-2620.sim"_s});
-    ASSERT_TRUE(simulator.waitForStarted(5000));
-    for (int i = 0; i < 100 && !QFile::exists(device); ++i) QThread::msleep(50);
-    link.writeSettings(QString(), device);
-    link.start();
-    ASSERT_TRUE(simulator.waitForFinished(30000));
-    EXPECT_EQ(simulator.exitCode(), 0) << simulator.readAllStandardOutput().toStdString();
-    EXPECT_TRUE(link.waitForDeliveries(1));
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
-    EXPECT_EQ(link.readDelivery(link.deliveries().value(0)).count(u"\r\n"_s), 6);
-}

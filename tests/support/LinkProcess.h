@@ -25,6 +25,10 @@ class LinkProcess {
     void writeSettings(const QString& extraKeys = QString(), const QString& device = QString());
     // Starts kv_orbline with "code=0=TN=site" and a fixed clock.
     void start(const QString& code = QStringLiteral("2620"));
+    // Before writeSettings: the instrument's name in the settings (and so in every record).
+    QString instrumentName = QStringLiteral("TOMEY");
+    // Before start: a factor for the protocol's waits (the 10 ms round, the 100 ms read wait).
+    QString timeScale;
     // Waits until the main log holds the text.
     bool waitForLog(const QString& text, int milliseconds = 10000) const;
     // Waits until the delivery folder holds `count` files.

@@ -150,8 +150,18 @@ Script ParseScript(const std::string& text, const std::string& name, const std::
                 step.bytes = *bytes;
                 break;
             }
-            case Command::SendFile:
-            case Command::Frames: {
+            case Command::Frames:
+                // Inline bytes in the notation, or a file.
+                if (!rest.empty() && rest.front() == '<') {
+                    std::string error;
+                    const auto bytes = ParseBytes(rest, error);
+                    if (!bytes) throw std::runtime_error(where + error);
+                    step.bytes = *bytes;
+                    step.frames = CutIntoFrames(step.bytes);
+                    break;
+                }
+                [[fallthrough]];
+            case Command::SendFile: {
                 wantArgs(1);
                 const std::string path = args[0].front() == '/' ? args[0] : folder + "/" + args[0];
                 try {
@@ -159,7 +169,7 @@ Script ParseScript(const std::string& text, const std::string& name, const std::
                 } catch (const std::runtime_error& e) {
                     throw std::runtime_error(where + e.what());
                 }
-                step.frames = CutIntoFrames(step.bytes);
+                if (step.command == Command::Frames) step.frames = CutIntoFrames(step.bytes);
                 break;
             }
             case Command::ExpectAny:

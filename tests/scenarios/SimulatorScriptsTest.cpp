@@ -1,0 +1,51 @@
+// Each script of the simulator, as the README shows them, played against the process: the
+// simulator must end well (every expected byte came) and the result message be delivered.
+
+#include "support/AstmInstrument.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QProcess>
+#include <QThread>
+
+using namespace Qt::StringLiterals;
+using namespace orbline::test;
+
+TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
+    struct Case {
+        QString script;
+        QString code;
+        QString name;
+        qsizetype records;
+    };
+    const Case cases[] = {
+        {u"tonometer-2620.sim"_s, u"2620"_s, u"TOMEY"_s, 6},
+        {u"glycohaemoglobin-0980.sim"_s, u"0980"_s, u"HLC"_s, 1},
+        {u"aia-1160.sim"_s, u"1160"_s, u"AIA"_s, 1},
+        {u"haematology-1190.sim"_s, u"1190"_s, u"XN-550"_s, 21},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.script.toStdString());
+        LinkProcess link;
+        CreateOrderStore(link);
+        const QString device = link.native(u"tty"_s);
+        QProcess simulator;
+        simulator.setProcessChannelMode(QProcess::MergedChannels);
+        simulator.start(QString::fromLocal8Bit(KV_SIMULATOR_EXE),
+                        {u"--pty"_s, device,
+                         QString::fromLocal8Bit(ORBLINE_SOURCE_DIR) +
+                             u"/tools/simulator/scripts/"_s + c.script});
+        ASSERT_TRUE(simulator.waitForStarted(5000));
+        for (int i = 0; i < 100 && !QFile::exists(device); ++i) QThread::msleep(50);
+        link.instrumentName = c.name;
+        link.writeSettings(QString(), device);
+        link.start(c.code);
+        ASSERT_TRUE(simulator.waitForFinished(60000));
+        EXPECT_EQ(simulator.exitCode(), 0) << simulator.readAll().toStdString();
+        EXPECT_TRUE(link.waitForDeliveries(1));
+        link.requestClose();
+        EXPECT_EQ(link.finish(), 0);
+        EXPECT_EQ(DeliveredRecords(link).size(), c.records);
+    }
+}
