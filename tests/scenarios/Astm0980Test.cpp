@@ -101,6 +101,8 @@ TEST(Astm0980, AQueryIsAnsweredWithTheTestOfTheOrderOrWithHbA1c) {
         Exchange(link, "<ACK>", OrderFrame(3, c.key, c.test));
         Exchange(link, "<ACK>", TerminatorFrame(4));
         Exchange(link, "<ACK>", "<EOT>");
+        // The completion line follows the EOT; a close request could overtake it.
+        EXPECT_TRUE(link.waitForLog(u"問合情報送信完了"_s));
         link.requestClose();
         EXPECT_EQ(link.finish(), 0);
         const QStringList log = link.logMessages();

@@ -79,6 +79,8 @@ TEST(Astm1160, AQueryIsAnsweredShortWithoutAnOrderAndRefusalsAskForTheLineAgain)
             Exchange(link, "<ACK>", Frame("2L|1<CR>"));
         }
         Exchange(link, "<ACK>", "<EOT>");
+        // The completion line follows the EOT; a close request could overtake it.
+        EXPECT_TRUE(link.waitForLog(u"問合情報送信完了"_s));
         link.requestClose();
         EXPECT_EQ(link.finish(), 0);
         const QStringList log = link.logMessages();

@@ -49,10 +49,10 @@ TEST(SessionEnds, ACloseRequestWhileConnectedStopsCleanlyAndExitsZero) {
     }
 }
 
-// 0980 is an instrument of the table whose dialogue is not built yet: for now it ends as an
+// 0855 is an instrument of the table whose dialogue is not built yet: for now it ends as an
 // unknown code does.
 TEST(SessionEnds, AnUnknownCodeOpensThePortThenEndsAbnormally) {
-    for (const QString& code : {u"9999"_s, u"0980"_s}) {
+    for (const QString& code : {u"9999"_s, u"0855"_s}) {
         LinkProcess link;
         link.writeSettings();
         link.start(code);
