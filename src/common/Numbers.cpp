@@ -374,4 +374,11 @@ std::optional<double> ToDouble(const QString& text) {
     return ToFloating<double>(text);
 }
 
+QString FormatOwnDecimals(const QString& value) {
+    if (!IsNumeric(value)) return value;
+    const auto length = static_cast<std::int16_t>(
+        std::min<qsizetype>(value.size(), std::numeric_limits<std::int16_t>::max()));
+    return FormatNumber(value, MakeNumberMask(length, DecimalPointPos(value)));
+}
+
 }  // namespace orbline

@@ -37,6 +37,11 @@ std::int16_t DecimalPointPos(const QString& text);
 // front of it, "#" elsewhere; all "#" when pointPos is 0.
 QString MakeNumberMask(std::int16_t length, std::int16_t pointPos);
 
+// A result value with the mask of its own shape (MakeNumberMask of its length and point), so it
+// keeps the decimals it was sent with; a plain "0" gives the empty text. Text that is not
+// numeric comes back unchanged.
+QString FormatOwnDecimals(const QString& value);
+
 // Conversions of a setting to a number. Absent when the text is not numeric or the number does
 // not fit. Integers round half to even, as the runtime's conversion does.
 std::optional<std::int32_t> ToInt32(const QString& text);

@@ -174,13 +174,7 @@ QString ResultText(const Message& message) {
         c.Judge2.clear();
         c.JudgeFlag.clear();
         c.ResultComment.clear();
-        if (IsNumeric(c.ResultValue)) {
-            // Keeps the decimals as sent; a plain "0" formats as the empty text.
-            const auto length = static_cast<std::int16_t>(std::min<qsizetype>(
-                c.ResultValue.size(), std::numeric_limits<std::int16_t>::max()));
-            c.ResultValue =
-                FormatNumber(c.ResultValue, MakeNumberMask(length, DecimalPointPos(c.ResultValue)));
-        }
+        c.ResultValue = FormatOwnDecimals(c.ResultValue);
         c.RunMark = c.RunMarkDefault;
         // ResultRecord trims the value and gives "<" and ">" their full-width forms.
         text += ResultRecord() + u",,,,,,,"_s + message.sampleComment + u"\r\n"_s;

@@ -174,12 +174,8 @@ void WriteRows(const std::vector<Row2620>& rows) {
         c.JudgeFlag.clear();
         c.ResultComment.clear();
         if (c.ResultValue.isEmpty()) continue;
-        if (IsNumeric(c.ResultValue)) {
-            // Keeps the printed number of decimals; a plain "0" formats as the empty text.
-            const auto length = static_cast<std::int16_t>(c.ResultValue.size());
-            c.ResultValue =
-                FormatNumber(c.ResultValue, MakeNumberMask(length, DecimalPointPos(c.ResultValue)));
-        }
+        // Keeps the printed number of decimals.
+        c.ResultValue = FormatOwnDecimals(c.ResultValue);
         c.ItemName = Trim(c.ItemName).replace(u',', u'.');
         c.ItemCode = Trim(c.ItemCode).replace(u',', u'.');
         c.RunMark = c.RunMarkDefault;
