@@ -3,7 +3,9 @@
 #include "common/Logging.h"
 #include "common/Numbers.h"
 #include "common/Paths.h"
+#include "common/ResultFile.h"
 #include "common/RunContext.h"
+#include "common/RuntimeError.h"
 #include "common/Text.h"
 #include "common/TextFile.h"
 #include "edits/PieceFiles.h"
@@ -49,6 +51,20 @@ void ForEachPieceRecord(const QString& folder, const QString& prefix, std::int16
             onRecord(Split(line, u"|"_s));
         }
     }
+}
+
+void WriteAndDeliver(const QString& text, DeliveryNames names) {
+    QString workPath;
+    PassOver([&] { MakeOutFile(Ctx().JyusinWKPath, workPath); });
+    PassOver([&] {
+        // The file exists even with no line in it: delivery then deletes it.
+        if (!WriteNewText(workPath, text)) throw RuntimeError(errors::PathNotFound());
+    });
+    if (names == DeliveryNames::OneBurnt) {
+        QString unusedName;
+        PassOver([&] { MakeOutFile(Ctx().JyusinDataPath, unusedName); });
+    }
+    PassOver([&] { DeliverWorkFile(workPath); });
 }
 
 }  // namespace orbline

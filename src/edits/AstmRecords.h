@@ -28,4 +28,11 @@ void ForEachPieceRecord(const QString& folder, const QString& prefix, std::int16
                         const QString& stamp,
                         const std::function<void(const QStringList& fields)>& onRecord);
 
+// How many delivery names an edit asks for: the 0980 edit asks for one before it looks at the
+// size, so each of its deliveries uses up one serial more.
+enum class DeliveryNames { One, OneBurnt };
+// The result lines into a new work file and on to the delivery folder (an empty file is
+// deleted there), every step passed over when it fails.
+void WriteAndDeliver(const QString& text, DeliveryNames names);
+
 }  // namespace orbline

@@ -183,19 +183,7 @@ QString ResultText(const Message& message) {
 }
 
 void WriteResult(const Message& message) {
-    RunContext& c = Ctx();
-    QString workPath;
-    MakeOutFile(c.JyusinWKPath, workPath);
-    const QString text = ResultText(message);
-    PassOver([&] {
-        // The file exists even with no line in it: delivery then deletes it.
-        if (!WriteNewText(workPath, text)) throw RuntimeError(errors::PathNotFound());
-    });
-    // The edit asks for a delivery name before it looks at the size, and DeliverWorkFile asks
-    // for another one: each delivery of this edit uses up one serial more than the others.
-    QString unusedName;
-    PassOver([&] { MakeOutFile(c.JyusinDataPath, unusedName); });
-    PassOver([&] { DeliverWorkFile(workPath); });
+    WriteAndDeliver(ResultText(message), DeliveryNames::OneBurnt);
 }
 
 }  // namespace

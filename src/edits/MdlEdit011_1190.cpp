@@ -267,15 +267,7 @@ QString ResultText() {
 }
 
 void WriteResult() {
-    RunContext& c = Ctx();
-    QString workPath;
-    MakeOutFile(c.JyusinWKPath, workPath);
-    const QString text = ResultText();
-    PassOver([&] {
-        // The file exists even with no line in it: delivery then deletes it.
-        if (!WriteNewText(workPath, text)) throw RuntimeError(errors::PathNotFound());
-    });
-    PassOver([&] { DeliverWorkFile(workPath); });
+    WriteAndDeliver(ResultText(), DeliveryNames::One);
 }
 
 }  // namespace
