@@ -15,18 +15,13 @@ using namespace Qt::StringLiterals;
 
 namespace orbline {
 
-void ResetResultFields() {
+void ResetSampleAndItemFields() {
     RunContext& c = Ctx();
-    c.KensaDate.clear();
-    c.KensaTime.clear();
     c.RunMark = u"0"_s;
     c.SampleId = u"0"_s;
     c.SampleSeq = u"000000"_s;
     c.ItemCode.clear();
     c.ItemName.clear();
-    c.JudgeFlag.clear();
-    c.Judge1.clear();
-    c.Judge2.clear();
     c.Extra1.clear();
     c.ResultValue.clear();
     c.ResultUnit.clear();
@@ -34,6 +29,16 @@ void ResetResultFields() {
     c.Extra2.clear();
     c.Extra3.clear();
     c.ResultComment.clear();
+}
+
+void ResetResultFields() {
+    ResetSampleAndItemFields();
+    RunContext& c = Ctx();
+    c.KensaDate.clear();
+    c.KensaTime.clear();
+    c.JudgeFlag.clear();
+    c.Judge1.clear();
+    c.Judge2.clear();
 }
 
 void CleanResultValue() {

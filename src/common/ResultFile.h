@@ -12,6 +12,10 @@ namespace orbline {
 // The reset at the start of each message and line: "000000" for SampleSeq, "MIN" for
 // ResultKind, "0" for RunMark and SampleId, the empty text for the other record fields.
 void ResetResultFields();
+
+// The same without the examination date and time and the judge fields, which some edits keep
+// from the message before.
+void ResetSampleAndItemFields();
 // ResultValue trimmed, "<" and ">" replaced by their full-width forms.
 void CleanResultValue();
 // Cleans ResultValue, then builds the 19 fields joined by "," into ResultLine and returns it.

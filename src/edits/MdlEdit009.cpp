@@ -49,19 +49,8 @@ struct Message {
 // The start values of each call. KensaDate, KensaTime and QueryMark0980 are not among them:
 // the first two keep the previous message's values until an R record sets them.
 void StartCall() {
+    ResetSampleAndItemFields();
     RunContext& c = Ctx();
-    c.SampleSeq = u"000000"_s;
-    c.RunMark = u"0"_s;
-    c.SampleId = u"0"_s;
-    c.ItemCode.clear();
-    c.ItemName.clear();
-    c.ResultValue.clear();
-    c.ResultUnit.clear();
-    c.Extra1.clear();
-    c.Extra2.clear();
-    c.Extra3.clear();
-    c.ResultComment.clear();
-    c.ResultKind = u"MIN"_s;
     c.RecordCount = 0;
     c.RecordFields.clear();
 }

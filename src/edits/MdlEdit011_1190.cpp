@@ -83,21 +83,10 @@ constexpr qsizetype kWhen = 4;
 
 // The start values of each call. KensaDate and KensaTime come from the first row.
 void StartCall() {
+    ResetSampleAndItemFields();
     RunContext& c = Ctx();
-    c.SampleSeq = u"000000"_s;
-    c.RunMark = u"0"_s;
-    c.SampleId = u"0"_s;
-    c.ResultKind = u"MIN"_s;
     c.QueryMark1190 = u"0"_s;
     c.RecordCount = 0;
-    c.ItemCode.clear();
-    c.ItemName.clear();
-    c.ResultValue.clear();
-    c.ResultUnit.clear();
-    c.Extra1.clear();
-    c.Extra2.clear();
-    c.Extra3.clear();
-    c.ResultComment.clear();
     c.RecordFields.clear();
     // The units of the measured items go into the shared list; nothing reads them from there.
     for (qsizetype i = 0; i < static_cast<qsizetype>(std::size(kMeasured)); ++i)
