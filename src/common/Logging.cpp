@@ -5,7 +5,11 @@
 #include "common/Numbers.h"
 #include "common/Paths.h"
 #include "common/RunContext.h"
+#include "common/RuntimeError.h"
 #include "common/TextFile.h"
+
+#include <limits>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -89,6 +93,15 @@ void BlockFileOut(const QString& folder, const QString& prefix, const QString& n
     const QString path = folder + u"\\"_s + prefix + u"_"_s + number + u".txt"_s;
     DeleteFile(path);
     WriteNewLine(path, Ctx().ReceiveBuffer.get(0).value_or(QString()));
+}
+
+std::int16_t InstrumentCodeNumber() {
+    const std::optional<std::int32_t> code = ToInt32(Ctx().InstrumentCode);
+    if (!code) throw RuntimeError(errors::TypeMismatch());
+    if (*code < std::numeric_limits<std::int16_t>::min() ||
+        *code > std::numeric_limits<std::int16_t>::max())
+        throw RuntimeError(errors::Overflow());
+    return static_cast<std::int16_t>(*code);
 }
 
 void SlogOut(const QString& text, std::int16_t code, const QString& stamp, std::int16_t seq) {

@@ -37,6 +37,9 @@ void LogFileOnly(const QString& fileText, LogForm form);
 
 // Block file folder\prefix_number.txt, written anew with ReceiveBuffer(0) + CR LF.
 void BlockFileOut(const QString& folder, const QString& prefix, const QString& number);
+// InstrumentCode as the 16-bit number that SlogOut, TraceOut and SlogCopy take. Throws
+// RuntimeError when it is no number or out of range.
+std::int16_t InstrumentCodeNumber();
 // Only when the setting Log is "1".
 void SlogOut(const QString& text, std::int16_t code, const QString& stamp, std::int16_t seq);
 void TraceOut(const QString& text, std::int16_t code, const QString& name, const QString& spare);

@@ -13,6 +13,9 @@ QString SubscriptOutOfRange() {
 QString Overflow() {
     return u"オーバーフローしました。"_s;
 }
+QString TypeMismatch() {
+    return u"型が一致しません。"_s;
+}
 QString FileNotFound() {
     return u"ファイルが見つかりません。"_s;
 }

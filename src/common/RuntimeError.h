@@ -25,6 +25,7 @@ namespace errors {
 QString InvalidArgument();  // a position or length out of range
 QString SubscriptOutOfRange();
 QString Overflow();
+QString TypeMismatch();  // a text that is no number where a number is wanted
 QString FileNotFound();
 QString PathNotFound();
 QString BadFileNameOrNumber();  // a write to a file handle that is closed or was never opened

@@ -37,8 +37,9 @@ void CountUp(std::int16_t& counter) {
     if (counter < std::numeric_limits<std::int16_t>::max()) counter += 1;
 }
 
-std::int16_t CodeNumber() {
-    return static_cast<std::int16_t>(ToInt32(Ctx().InstrumentCode).value_or(0));
+// A code that is no 16-bit number fails this step alone; the dialogue goes on.
+void Trace(const QString& text, const QString& stamp) {
+    PassOver([&] { TraceOut(text, InstrumentCodeNumber(), stamp, u"1"_s); });
 }
 
 QString& QueryMark(const AstmDialogue& d) {
@@ -155,7 +156,7 @@ void RepeatFrame(const AstmDialogue& d, AstmLoopState& s) {
 
 void AnswerReply(const AstmDialogue& d, AstmLoopState& s, const QString& piece) {
     const std::int16_t code = d.checkReply(piece, s.PieceCount, s.Stage);
-    TraceOut(piece, CodeNumber(), s.StampText, u"1"_s);
+    Trace(piece, s.StampText);
     switch (code) {
         case reply::kNextRecord:
             SendNextRecord(d, s);
@@ -247,7 +248,7 @@ void BuildFrame(AstmLoopState& s, const QString& recordText, FrameEnd end, SendS
     Ctx().SendBytes = FrameHexText(recordText, end).toLatin1();
     SendFixedReply(kFrameReply);
     s.Stage = next;
-    TraceOut(recordText, CodeNumber(), s.StampText, u"1"_s);
+    Trace(recordText, s.StampText);
 }
 
 QString SexLetter(const QString& code) {

@@ -10,25 +10,9 @@
 #include "common/TextFile.h"
 #include "edits/PieceFiles.h"
 
-#include <limits>
-
 using namespace Qt::StringLiterals;
 
 namespace orbline {
-
-namespace {
-
-// The instrument code as the 16-bit number the Slog names carry; absent when it isn't one,
-// and then the copy, a step that fails, is passed over.
-std::optional<std::int16_t> InstrumentCodeNumber() {
-    const std::optional<std::int32_t> code = ToInt32(Ctx().InstrumentCode);
-    if (!code || *code < std::numeric_limits<std::int16_t>::min() ||
-        *code > std::numeric_limits<std::int16_t>::max())
-        return std::nullopt;
-    return static_cast<std::int16_t>(*code);
-}
-
-}  // namespace
 
 std::optional<QChar> RecordType(const QStringList& fields) {
     if (fields.isEmpty() || fields.first().isEmpty()) return std::nullopt;
@@ -41,9 +25,11 @@ void ForEachPieceRecord(const QString& folder, const QString& prefix, std::int16
     for (int number = 1; number < pieceCount; ++number) {
         const QString path = PieceFilePath(folder, prefix, number);
         if (!FileExists(path)) continue;
-        if (const std::optional<std::int16_t> code = InstrumentCodeNumber())
-            SlogCopy(path, *code, stamp, FormatNumber(QString::number(number), u"0000"_s),
-                     u"txt"_s);
+        // A code that is no 16-bit number fails the copy, a step that is passed over.
+        PassOver([&] {
+            SlogCopy(path, InstrumentCodeNumber(), stamp,
+                     FormatNumber(QString::number(number), u"0000"_s), u"txt"_s);
+        });
         const std::optional<QString> text = ReadAllText(path);
         if (!text) continue;
         for (const QString& line : SplitLines(*text, LineEnds::CrLfOrCrOrLf)) {

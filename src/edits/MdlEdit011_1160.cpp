@@ -21,7 +21,6 @@
 
 #include <QStringList>
 
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -58,15 +57,6 @@ QString Without(QString text, QStringView characters) {
 QChar RecordType(const QStringList& fields) {
     const QString first = CheckedField(fields, 0);
     return first.isEmpty() ? QChar() : first.back();
-}
-
-std::int16_t InstrumentCodeNumber() {
-    const std::optional<std::int32_t> code = ToInt32(Ctx().InstrumentCode);
-    if (!code) throw RuntimeError(u"型が一致しません。"_s);
-    if (*code < std::numeric_limits<std::int16_t>::min() ||
-        *code > std::numeric_limits<std::int16_t>::max())
-        throw RuntimeError(errors::Overflow());
-    return static_cast<std::int16_t>(*code);
 }
 
 // Type H: an instrument that is not an "AIA-" is reported by a line written to the handle

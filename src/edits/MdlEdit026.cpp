@@ -12,7 +12,6 @@
 #include <QStringView>
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -144,15 +143,6 @@ void ScanDefaultLine(const QString& line, const ScanInputs2620& inputs, Section&
         case Section::None:
             return;
     }
-}
-
-std::int16_t InstrumentCodeNumber() {
-    const std::optional<std::int32_t> code = ToInt32(Ctx().InstrumentCode);
-    if (!code) throw RuntimeError(u"型が一致しません。"_s);
-    if (*code < std::numeric_limits<std::int16_t>::min() ||
-        *code > std::numeric_limits<std::int16_t>::max())
-        throw RuntimeError(errors::Overflow());
-    return static_cast<std::int16_t>(*code);
 }
 
 void WriteRows(const std::vector<Row2620>& rows) {

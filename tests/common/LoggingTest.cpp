@@ -2,6 +2,7 @@
 #include "common/Form.h"
 #include "common/Logging.h"
 #include "common/RunContext.h"
+#include "common/RuntimeError.h"
 #include "support/TestSite.h"
 
 #include <gtest/gtest.h>
@@ -103,6 +104,21 @@ TEST(MonthlyStores, WrittenOnlyWhenLogIsOne) {
     site.writeFile(u"c0980/c0980_0001.txt"_s, QByteArray("piece"));
     SlogCopy(site.path(u"c0980\\c0980_0001.txt"_s), 980, u"S"_s, u"3"_s, u"txt"_s);
     EXPECT_EQ(site.readFile(u"Slog/202504/0980-S_3.txt"_s), QByteArray("piece"));
+
+    // The code the stores are named by, and the run-time errors of a code that is none.
+    Ctx().InstrumentCode = u"0980"_s;
+    EXPECT_EQ(InstrumentCodeNumber(), 980);
+    const auto errorOf = [](const QString& code) {
+        Ctx().InstrumentCode = code;
+        try {
+            InstrumentCodeNumber();
+        } catch (const RuntimeError& e) {
+            return e.description();
+        }
+        return QString();
+    };
+    EXPECT_EQ(errorOf(u"AIA"_s), errors::TypeMismatch());
+    EXPECT_EQ(errorOf(u"40000"_s), errors::Overflow());
 }
 
 TEST(BlockFiles, HoldTheBytesAsTheyCameAndAreWrittenAnew) {
