@@ -4,6 +4,7 @@
 #include "app/CloseRequest.h"
 #include "app/Dispatch.h"
 #include "app/Settings.h"
+#include "common/Diagnostics.h"
 #include "common/FixedReply.h"
 #include "common/Form.h"
 #include "common/FormLists.h"
@@ -12,6 +13,7 @@
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
 #include "serial/AwComm.h"
+#include "serial/PortError.h"
 #include "tables/MdlOption.h"
 
 using namespace Qt::StringLiterals;
@@ -77,6 +79,10 @@ void OpenSession() {
         f.checkConnect.value = 0;
         f.checkLoopWrite.value = 0;
         LogEvent(u"接続失敗 --   "_s, u"接続失敗 -- "_s, LogForm::Short);
+        // The main log keeps its fixed text; the cause goes to the diagnostic log.
+        Diagnose(u"port "_s + QString::number(comm.PortNumber()) + u" ("_s +
+                 QString::fromLocal8Bit(comm.DeviceName()) + u") cannot be opened: "_s +
+                 QString::fromUtf8(DescribePortFailure(comm.LastError())));
         // A failed open raises no error of its own: the text of the abnormal end is empty.
         ErrorExit(QString());
     }

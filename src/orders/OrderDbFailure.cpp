@@ -1,5 +1,6 @@
 #include "orders/OrderDbFailure.h"
 
+#include "common/Diagnostics.h"
 #include "common/Logging.h"
 #include "common/RunContext.h"
 
@@ -20,7 +21,7 @@ void ShowOrderDbMessageBox(const QString& text) {
     ToStandardError(u"KV_Orbline: "_s + text);
 }
 
-void EndOnOrderDbFailure(const QString& text) {
+void EndOnOrderDbFailure(const QString& text, const QString& cause) {
     if (ShowsConsole(Ctx().ShowMode)) {
         ShowOrderDbMessageBox(text);
     } else {
@@ -28,6 +29,7 @@ void EndOnOrderDbFailure(const QString& text) {
         GLogWrite(u"0"_s, line);
         ToStandardError(text);
     }
+    Diagnose(cause);
     std::fflush(nullptr);
     std::_Exit(1);
 }

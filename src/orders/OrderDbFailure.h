@@ -9,8 +9,9 @@ inline constexpr auto kOrderDbOpenFailed = u"データベースの取得に失�
 inline constexpr auto kOrderDbCloseFailed = u"データベースのＣＬＯＳＥに失敗しました";
 
 // With the console shown: the critical message box. Otherwise nobody could click it: the text
-// goes to the main log and to standard error. Then the process ends at once with status 1.
-[[noreturn]] void EndOnOrderDbFailure(const QString& text);
+// goes to the main log and to standard error. The cause (the driver's words, in English) goes
+// to the diagnostic log either way. Then the process ends at once with status 1.
+[[noreturn]] void EndOnOrderDbFailure(const QString& text, const QString& cause);
 
 // Where the console's critical message box (title "KV_Orbline") goes. The console window does
 // not exist yet, so for now the text goes to standard error.

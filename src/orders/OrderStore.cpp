@@ -142,9 +142,14 @@ void OpenOrderDb() {
     if (!ctx.DbConnection.isEmpty()) DisconnectOrderDb(ctx.DbConnection);
     ctx.DbConnection.clear();
     QString error;
-    if (!ConnectOrderDb(kConnectionName, SiteOrderDbTarget(), &error)) {
+    const OrderDbTarget target = SiteOrderDbTarget();
+    if (!ConnectOrderDb(kConnectionName, target, &error)) {
         ctx.OrderDbLastError = error;
-        EndOnOrderDbFailure(QString::fromUtf16(kOrderDbOpenFailed));
+        // A connection string may hold a password: only a file is named.
+        const QString store =
+            target.connectString.isEmpty() ? target.nativeFile : u"(DbConnect of section User)"_s;
+        EndOnOrderDbFailure(QString::fromUtf16(kOrderDbOpenFailed),
+                            u"order store "_s + store + u" cannot be opened: "_s + error);
     }
     ctx.DbConnection = kConnectionName;
 }
@@ -152,7 +157,8 @@ void OpenOrderDb() {
 void CloseOrderDb() {
     RunContext& ctx = Ctx();
     if (ctx.DbConnection.isEmpty() || !QSqlDatabase::contains(ctx.DbConnection))
-        EndOnOrderDbFailure(QString::fromUtf16(kOrderDbCloseFailed));
+        EndOnOrderDbFailure(QString::fromUtf16(kOrderDbCloseFailed),
+                            u"order store cannot be closed: no connection is open"_s);
     DisconnectOrderDb(ctx.DbConnection);
     ctx.DbConnection.clear();
 }

@@ -73,9 +73,17 @@ std::int32_t AwComm::ReadBufferDataSize() {
 }
 
 bool AwComm::OpenPort1() {
-    if (portNumber_ < 1) return false;
+    lastError_ = {};
+    if (portNumber_ < 1) {
+        NoteFailure({PortError::NoSuchDevice, PortStep::Open, 0, {}, "port number 0"});
+        return false;
+    }
     ++platformOpens_;
     return PlatformOpen();
+}
+
+void AwComm::NoteFailure(PortFailure failure) {
+    if (lastError_.kind == PortError::None) lastError_ = std::move(failure);
 }
 
 bool AwComm::OpenPort2(std::uint8_t number) {

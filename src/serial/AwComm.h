@@ -2,7 +2,8 @@
 // The one object that touches the serial line. No events and no overlapped input or output:
 // everything above it polls. Properties set while the port is open take effect at the next
 // open, except Dtr, Rts and Break, which act at once. Failures are false, -1 or an empty
-// array; nothing is raised or logged here.
+// array; nothing is raised or logged here. Why an open failed is kept for the caller to report
+// (LastError).
 //
 // Free of Qt on purpose: the Windows sibling is checked with a cross compiler that has no Qt.
 
@@ -11,6 +12,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "serial/PortError.h"
 
 namespace orbline {
 
@@ -98,6 +101,9 @@ class AwComm {
     bool OpenPort1();
     bool OpenPort2(std::uint8_t number);
     bool ClosePort();
+    // Why the last open failed: the first step that failed, with the system's code and words.
+    // Kind None after an open that succeeded.
+    const PortFailure& LastError() const { return lastError_; }
 
     bool WriteBinary(const Bytes& bytes);
     Bytes ReadBinary1();
@@ -135,6 +141,9 @@ class AwComm {
     bool PlatformPurgeInput();
 
     bool ModemBit(std::uint32_t bit);
+    // Keeps the first failure of an open: the steps after it are still made and may fail
+    // only because of it.
+    void NoteFailure(PortFailure failure);
 
     LineFormat format_;
     std::uint8_t portNumber_ = 1;
@@ -145,6 +154,7 @@ class AwComm {
     bool rtsState_ = false;
     std::string devicePath_;
     std::uint32_t platformOpens_ = 0;
+    PortFailure lastError_;
     std::unique_ptr<Port> port_;
 };
 

@@ -11,7 +11,9 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <string>
 #include <thread>
+#include <utility>
 
 #include "serial/AwComm.h"
 #include "serial/LineSettings_posix.h"
@@ -79,24 +81,52 @@ std::string AwComm::DeviceName() const {
 
 bool AwComm::PlatformOpen() {
     // An open port is not opened twice by one object; Windows refuses the second handle too.
-    if (port_) return false;
+    if (port_) {
+        NoteFailure({PortError::Busy, PortStep::Open, 0, {}, "already open by this port object"});
+        return false;
+    }
     const std::string device = DeviceName();
     const int fd = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) return false;
+    if (fd < 0) {
+        NoteFailure(FailureOfErrno(PortStep::Open, errno));
+        return false;
+    }
     // No sharing: a second process (or a second open here) is refused. TIOCEXCL alone does
     // not stop root, the lock does.
     if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        NoteFailure(FailureOfErrno(PortStep::Lock, errno));
         close(fd);
         return false;
     }
     (void)ioctl(fd, TIOCEXCL);
 
     // The five steps of the open, all made even when an early one fails.
-    bool ok = ApplyLineFormat(fd, format_);
-    ok = (readBufferSize_ > 0 && writeBufferSize_ > 0) && ok;
-    ok = (tcflush(fd, TCOFLUSH) == 0) && ok;
-    ok = (tcflush(fd, TCIFLUSH) == 0) && ok;
-    ok = (timeOutMs_ >= 0) && ok;
+    PortFailure refused;
+    bool ok = ApplyLineFormat(fd, format_, &refused);
+    if (!ok) NoteFailure(std::move(refused));
+    if (readBufferSize_ <= 0 || writeBufferSize_ <= 0) {
+        ok = false;
+        NoteFailure({PortError::Other,
+                     PortStep::Buffers,
+                     0,
+                     {},
+                     "buffer sizes " + std::to_string(readBufferSize_) + " and " +
+                         std::to_string(writeBufferSize_)});
+    }
+    for (const int queue : {TCOFLUSH, TCIFLUSH}) {
+        if (tcflush(fd, queue) != 0) {
+            ok = false;
+            NoteFailure(FailureOfErrno(PortStep::Purge, errno));
+        }
+    }
+    if (timeOutMs_ < 0) {
+        ok = false;
+        NoteFailure({PortError::Other,
+                     PortStep::TimeOuts,
+                     0,
+                     {},
+                     "time-out " + std::to_string(timeOutMs_) + " ms"});
+    }
     if (!ok) {
         close(fd);
         return false;
@@ -107,6 +137,7 @@ bool AwComm::PlatformOpen() {
     port->timeOut = std::chrono::milliseconds(timeOutMs_);
     int wake[2];
     if (pipe2(wake, O_CLOEXEC) != 0) {
+        NoteFailure(FailureOfErrno(PortStep::Reader, errno));
         close(fd);
         return false;
     }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 #include "serial/AwComm.h"
 
@@ -29,6 +30,13 @@ DCB ToDeviceControlBlock(const LineFormat& format) {
     return block;
 }
 
+PortFailure FailureOfLastError(PortStep step, DWORD code) {
+    OsError os = TranslateOsError(code);
+    // A call that failed is a failure even if the system has no code for it.
+    const PortError kind = os.kind == PortError::None ? PortError::Other : os.kind;
+    return {kind, step, static_cast<std::int64_t>(code), std::move(os.text), {}};
+}
+
 }  // namespace
 
 struct AwComm::Port {
@@ -49,29 +57,41 @@ std::string AwComm::DeviceName() const {
 }
 
 bool AwComm::PlatformOpen() {
-    if (port_) return false;
+    if (port_) {
+        NoteFailure({PortError::Busy, PortStep::Open, 0, {}, "already open by this port object"});
+        return false;
+    }
     const std::string device = DeviceName();
     const HANDLE handle = CreateFileA(device.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                       OPEN_EXISTING, 0, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return false;
+    if (handle == INVALID_HANDLE_VALUE) {
+        NoteFailure(FailureOfLastError(PortStep::Open, GetLastError()));
+        return false;
+    }
 
     auto port = std::make_unique<Port>();
     port->handle = handle;
     DCB block = ToDeviceControlBlock(format_);
-    // All five calls are made even when an early one fails.
-    bool ok = SetCommState(handle, &block) != FALSE;
-    ok = (SetupComm(handle, static_cast<DWORD>(readBufferSize_),
-                    static_cast<DWORD>(writeBufferSize_)) != FALSE) &&
-         ok;
-    ok = (PurgeComm(handle, PURGE_TXCLEAR) != FALSE) && ok;
-    ok = (PurgeComm(handle, PURGE_RXCLEAR) != FALSE) && ok;
+    // All five calls are made even when an early one fails. The error of each is read at once,
+    // before another call can change it.
+    bool ok = true;
+    const auto step = [&](PortStep which, BOOL result) {
+        if (result != FALSE) return;
+        NoteFailure(FailureOfLastError(which, GetLastError()));
+        ok = false;
+    };
+    step(PortStep::LineSettings, SetCommState(handle, &block));
+    step(PortStep::Buffers, SetupComm(handle, static_cast<DWORD>(readBufferSize_),
+                                      static_cast<DWORD>(writeBufferSize_)));
+    step(PortStep::Purge, PurgeComm(handle, PURGE_TXCLEAR));
+    step(PortStep::Purge, PurgeComm(handle, PURGE_RXCLEAR));
     const auto timeOut = static_cast<DWORD>(timeOutMs_);
     port->timeouts.ReadIntervalTimeout = timeOut;
     port->timeouts.ReadTotalTimeoutMultiplier = 10;
     port->timeouts.ReadTotalTimeoutConstant = timeOut;
     port->timeouts.WriteTotalTimeoutMultiplier = 10;
     port->timeouts.WriteTotalTimeoutConstant = timeOut;
-    ok = (SetCommTimeouts(handle, &port->timeouts) != FALSE) && ok;
+    step(PortStep::TimeOuts, SetCommTimeouts(handle, &port->timeouts));
     if (!ok) {
         CloseHandle(handle);
         return false;

@@ -1,4 +1,5 @@
 // Kept apart: <asm/termbits.h> and <termios.h> cannot share one translation unit.
+#include <cerrno>
 #include <cstdint>
 
 #ifdef __linux__
@@ -8,21 +9,22 @@
 
 namespace orbline {
 
-bool SetCustomRate(int fd, std::uint32_t rate) {
+int SetCustomRate(int fd, std::uint32_t rate) {
 #ifdef __linux__
     struct termios2 settings {};
-    if (ioctl(fd, TCGETS2, &settings) != 0) return false;
+    if (ioctl(fd, TCGETS2, &settings) != 0) return errno;
     settings.c_cflag &= ~CBAUD;
     settings.c_cflag |= BOTHER;
     settings.c_ispeed = rate;
     settings.c_ospeed = rate;
-    if (ioctl(fd, TCSETS2, &settings) != 0) return false;
+    if (ioctl(fd, TCSETS2, &settings) != 0) return errno;
     struct termios2 check {};
-    return ioctl(fd, TCGETS2, &check) == 0 && check.c_ospeed == rate;
+    if (ioctl(fd, TCGETS2, &check) != 0) return errno;
+    return check.c_ospeed == rate ? 0 : -1;
 #else
     (void)fd;
     (void)rate;
-    return false;
+    return EINVAL;
 #endif
 }
 

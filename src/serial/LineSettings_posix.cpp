@@ -6,6 +6,8 @@
 #include <termios.h>
 
 #include <array>
+#include <cerrno>
+#include <string>
 #include <utility>
 
 namespace orbline {
@@ -81,27 +83,48 @@ bool IsPseudoTerminal(int fd) {
 
 }  // namespace
 
-bool ApplyLineFormat(int fd, const LineFormat& format) {
+PortFailure FailureOfErrno(PortStep step, int code, std::string detail) {
+    OsError os = TranslateOsError(code);
+    // A call that failed is a failure even if errno says nothing.
+    const PortError kind = os.kind == PortError::None ? PortError::Other : os.kind;
+    return {kind, step, code, std::move(os.text), std::move(detail)};
+}
+
+namespace {
+
+PortFailure TryLineFormat(int fd, const LineFormat& format) {
+    // What this platform cannot do is refused before any call, so no errno says it.
+    const auto refuse = [](std::string setting) {
+        return PortFailure{
+            PortError::FormatRefused, PortStep::LineSettings, 0, {}, std::move(setting)};
+    };
+    const auto failed = [](int code, std::string detail = {}) {
+        return FailureOfErrno(PortStep::LineSettings, code, std::move(detail));
+    };
     tcflag_t size = 0;
     tcflag_t parity = 0;
-    if (format.BaudRate == 0 || !CharacterSize(format.ByteSize, size) ||
-        !ParityFlags(format.Parity, parity)) {
-        return false;
-    }
+    if (format.BaudRate == 0) return refuse("rate 0");
+    if (!CharacterSize(format.ByteSize, size))
+        return refuse(std::to_string(format.ByteSize) + " data bits");
+    if (!ParityFlags(format.Parity, parity))
+        return refuse("parity " + std::to_string(format.Parity));
     // One and a half stop bits exist only as a 16550 quirk of 5-bit words; Linux cannot ask.
-    if (format.StopBits != 0 && format.StopBits != 2) return false;
+    if (format.StopBits == 1) return refuse("one and a half stop bits");
+    if (format.StopBits != 0 && format.StopBits != 2)
+        return refuse("stop bits " + std::to_string(format.StopBits));
     // No DTR/DSR flow control in termios.
     if ((format.Flags & (dcb::fOutxDsrFlow | dcb::fDtrControlHandshake | dcb::fDsrSensitivity)) !=
         0) {
-        return false;
+        return refuse("DTR/DSR handshake");
     }
     const bool softwareFlow = (format.Flags & (dcb::fOutX | dcb::fInX)) != 0;
     // Windows refuses equal Xon and Xoff characters; here a 0 would switch the character off.
-    if (softwareFlow && format.XonChar == format.XoffChar) return false;
+    if (softwareFlow && format.XonChar == format.XoffChar)
+        return refuse("Xon/Xoff handshake with equal Xon and Xoff characters");
     const bool hardwareFlow = (format.Flags & (dcb::fOutxCtsFlow | dcb::fRtsControlHandshake)) != 0;
 
     termios settings{};
-    if (tcgetattr(fd, &settings) != 0) return false;
+    if (tcgetattr(fd, &settings) != 0) return failed(errno);
     cfmakeraw(&settings);
     settings.c_cflag &= ~(CSIZE | PARENB | PARODD | CMSPAR | CSTOPB | CRTSCTS);
     settings.c_cflag |= CREAD | CLOCAL | size | parity;
@@ -122,14 +145,29 @@ bool ApplyLineFormat(int fd, const LineFormat& format) {
         cfsetispeed(&settings, speed);
         cfsetospeed(&settings, speed);
     }
-    if (tcsetattr(fd, TCSANOW, &settings) != 0) return false;
-    if (speed == B0 && !SetCustomRate(fd, format.BaudRate)) return false;
+    if (tcsetattr(fd, TCSANOW, &settings) != 0) return failed(errno);
+    if (speed == B0) {
+        const std::string rate = std::to_string(format.BaudRate) + " baud";
+        const int result = SetCustomRate(fd, format.BaudRate);
+        if (result < 0) return refuse(rate + " not kept by the driver");
+        if (result > 0) return failed(result, rate);
+    }
 
     // A driver may accept the call and quietly keep what it cannot do.
     termios applied{};
-    if (tcgetattr(fd, &applied) != 0) return false;
-    const tcflag_t checked = CSIZE | PARENB | PARODD | CMSPAR | CSTOPB | CRTSCTS;
-    if (!noLine && (applied.c_cflag & checked) != (settings.c_cflag & checked)) return false;
+    if (tcgetattr(fd, &applied) != 0) return failed(errno);
+    if (!noLine) {
+        const tcflag_t lost = (applied.c_cflag ^ settings.c_cflag);
+        std::string names;
+        const auto name = [&](tcflag_t bits, const char* setting) {
+            if ((lost & bits) != 0) names += (names.empty() ? "" : ", ") + std::string(setting);
+        };
+        name(CSIZE, "data bits");
+        name(PARENB | PARODD | CMSPAR, "parity");
+        name(CSTOPB, "stop bits");
+        name(CRTSCTS, "RTS/CTS handshake");
+        if (!names.empty()) return refuse(names + " not kept by the driver");
+    }
 
     // The DTR and RTS lines follow the control modes; a line that the device lacks is no
     // failure (a pseudo-terminal has none).
@@ -139,7 +177,16 @@ bool ApplyLineFormat(int fd, const LineFormat& format) {
     const bool rtsOn = (format.Flags & dcb::fRtsControlEnable) != 0;
     (void)ioctl(fd, dtrOn ? TIOCMBIS : TIOCMBIC, &dtr);
     if (!hardwareFlow) (void)ioctl(fd, rtsOn ? TIOCMBIS : TIOCMBIC, &rts);
-    return true;
+    return {};
+}
+
+}  // namespace
+
+bool ApplyLineFormat(int fd, const LineFormat& format, PortFailure* why) {
+    PortFailure failure = TryLineFormat(fd, format);
+    if (failure.kind == PortError::None) return true;
+    if (why != nullptr) *why = std::move(failure);
+    return false;
 }
 
 }  // namespace orbline
