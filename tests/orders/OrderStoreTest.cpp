@@ -167,3 +167,29 @@ TEST(OrderStore, DateOffsetIsSlashedYearMonthDayUnderAnyLocale) {
     EXPECT_EQ(OrderDateOffset(u"20250105"_s, -20), QString());
     QLocale::setDefault(before);
 }
+
+// The main log and standard error keep the fixed text; the driver's words go to standard error
+// and to the diagnostic log. A connection string may hold a password and is never written.
+TEST(OrderStoreDeathTest, AStoreThatCannotBeOpenedSaysWhyInTheDiagnosticLog) {
+    TestSite site;
+    Ctx().InstrumentCode = u"1660"_s;
+    Ctx().DbPath = site.path(u"nodb"_s);
+    QDir().mkpath(site.native(u"nodb"_s));
+    const std::string file = site.native(u"nodb/KV_Orbline2.min"_s).toStdString();
+    QString kana;
+    QString tests;
+    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1),
+                "データベースの取得に失敗しました\n2025-04-16 09:30:15 1660 order store " + file +
+                    " cannot be opened: no such file: " + file + "\n$");
+    EXPECT_EQ(DecodeAnsi(site.readFile(u"KV_Orbline1660.diag"_s)),
+              u"2025-04-16 09:30:15 1660 order store "_s + QString::fromStdString(file) +
+                  u" cannot be opened: no such file: "_s + QString::fromStdString(file) +
+                  u"\r\n"_s);
+
+    Ctx().DbConnect = u"Driver=NoSuchDriver;Database=x;PWD=secret42"_s;
+    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1),
+                "order store \\(DbConnect of section User\\) cannot be opened: .*NoSuchDriver");
+    const QString diagnosis = DecodeAnsi(site.readFile(u"KV_Orbline1660.diag"_s));
+    EXPECT_EQ(diagnosis.count(u"\r\n"_s), 2) << diagnosis.toStdString();
+    EXPECT_FALSE(diagnosis.contains(u"secret42"_s));
+}

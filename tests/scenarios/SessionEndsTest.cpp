@@ -15,6 +15,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QTimer>
 
 #include <csignal>
@@ -71,17 +72,29 @@ TEST(SessionEnds, AnUnknownCodeOpensThePortThenEndsAbnormally) {
     }
 }
 
-TEST(SessionEnds, APortThatCannotBeOpenedEndsWithAnEmptyErrorText) {
+// The main log keeps its fixed texts; the cause goes to standard error and to the diagnostic
+// log, one and the same line. The system's own words depend on the locale and are not pinned.
+TEST(SessionEnds, APortThatCannotBeOpenedEndsWithAnEmptyErrorTextAndSaysWhyElsewhere) {
     const QStringList expected{u"プログラム開始 -- 2620--"_s + kStamp,
                                u"接続失敗 -- 2620"_s + kStamp,
                                u"プログラム異常終了 -- 【  】2620--"_s + kStamp,
                                u"プログラム終了(Query) -- 2620"_s + kStamp};
+    const auto expectCause = [](const LinkProcess& link, const QString& pattern) {
+        const QRegularExpression line(u"^2025-04-16 09:30:15 2620 port 1 "_s + pattern + u"$"_s);
+        const QString diagnosis = link.diagnosticLog();
+        ASSERT_TRUE(diagnosis.endsWith(u"\r\n"_s)) << diagnosis.toStdString();
+        const QString text = diagnosis.chopped(2);
+        EXPECT_TRUE(line.match(text).hasMatch()) << text.toStdString();
+        EXPECT_EQ(link.standardError(), text + u"\n"_s);
+    };
     {
         LinkProcess link;
         link.writeSettings(QString(), u"/nonexistent/ttyKV0"_s);
         link.start();
         EXPECT_EQ(link.finish(), 1);
         EXPECT_EQ(link.logMessages(), expected);
+        expectCause(
+            link, u"\\(/nonexistent/ttyKV0\\) cannot be opened: no such device \\(.+\\) at open"_s);
     }
     {
         // A port that another program holds.
@@ -93,6 +106,9 @@ TEST(SessionEnds, APortThatCannotBeOpenedEndsWithAnEmptyErrorText) {
         link.start();
         EXPECT_EQ(link.finish(), 1);
         EXPECT_EQ(link.logMessages(), expected);
+        expectCause(link,
+                    u"\\(/dev/pts/[0-9]+\\) cannot be opened: held by another process "
+                    u"\\(.+\\) at (open|lock)"_s);
     }
 }
 

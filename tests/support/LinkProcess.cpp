@@ -67,7 +67,7 @@ void LinkProcess::start(const QString& code) {
     env.insert(u"KV_ORBLINE_NOW"_s, u"2025-04-16 09:30:15"_s);
     if (!timeScale.isEmpty()) env.insert(u"KV_ORBLINE_TIME_SCALE"_s, timeScale);
     process_.setProcessEnvironment(env);
-    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process_.setStandardErrorFile(native(u"kv_orbline.stderr"_s));
     process_.start(QString::fromLocal8Bit(KV_ORBLINE_EXE),
                    {code + u"=0=TN="_s + Backslashed(dir_.path())});
     process_.waitForStarted(5000);
@@ -101,6 +101,14 @@ QStringList LinkProcess::logMessages() const {
         }
     }
     return messages;
+}
+
+QString LinkProcess::standardError() const {
+    return QString::fromLocal8Bit(ReadAll(native(u"kv_orbline.stderr"_s)));
+}
+
+QString LinkProcess::diagnosticLog(const QString& code) const {
+    return DecodeAnsi(ReadAll(native(u"KV_Orbline"_s + code + u".diag"_s)));
 }
 
 QStringList LinkProcess::deliveries() const {

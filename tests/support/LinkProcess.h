@@ -40,6 +40,10 @@ class LinkProcess {
 
     // The messages of the main log, each without its "【...】" head, in order.
     QStringList logMessages() const;
+    // What the process wrote to standard error (kept in a file of the site, not forwarded).
+    QString standardError() const;
+    // The diagnostic log of the code, in the site's code page, decoded.
+    QString diagnosticLog(const QString& code = QStringLiteral("2620")) const;
     QStringList deliveries() const;
     QString readDelivery(const QString& name) const;
     QStringList workFiles() const;
