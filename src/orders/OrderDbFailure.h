@@ -9,7 +9,7 @@ inline constexpr auto kOrderDbOpenFailed = u"データベースの取得に失�
 inline constexpr auto kOrderDbCloseFailed = u"データベースのＣＬＯＳＥに失敗しました";
 
 // With the console shown: the critical message box. Otherwise nobody could click it: the text
-// goes to the main log and to standard error. The cause (the driver's words, in English) goes
+// goes to the main log and to standard error. The cause (the driver's own words) goes
 // to the diagnostic log either way. Then the process ends at once with status 1.
 [[noreturn]] void EndOnOrderDbFailure(const QString& text, const QString& cause);
 
