@@ -145,9 +145,8 @@ Message0980 EditResult0980(std::int16_t pieceCount) {
     RunContext& c = Ctx();
     const EditSettings settings = EditSettingsFromContext();
     const QString stamp = NowText(u"YYYYMMDDHHMMSS"_s);
-    const Message0980 message =
-        ParseMessage0980(ReadPieceTexts(u"c980"_s, u"c980"_s, pieceCount, stamp),
-                         settings.sampleRule, {c.KensaDate, c.KensaTime});
+    Message0980 message = ParseMessage0980(ReadPieceTexts(u"c980"_s, u"c980"_s, pieceCount, stamp),
+                                           settings.sampleRule, {c.KensaDate, c.KensaTime});
     // The log lines read SampleId and RunMark; the next message keeps the examination time.
     c.SampleId = message.sampleId;
     c.RunMark = u"0"_s;

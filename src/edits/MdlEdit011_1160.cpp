@@ -140,7 +140,7 @@ Message1160 RunEdit(std::int16_t pieceCount) {
     if (!WriteNewText(workPath, QString())) throw RuntimeError(errors::PathNotFound());
 
     const SavedPieces pieces = ReadSavedPieces(pieceCount);
-    const Message1160 message =
+    Message1160 message =
         ParseMessage1160(pieces.texts, settings.sampleRule, {c.SampleId, c.KensaDate, c.KensaTime},
                          [&](const QString& record, std::int16_t number, const Message1160& soFar) {
                              // The log line of an abnormal end shows the number read so far.

@@ -226,7 +226,7 @@ Message1190 EditResult1190(std::int16_t pieceCount) {
     const EditSettings settings = EditSettingsFromContext();
     const QString stamp = NowText(u"YYYYMMDDHHMMSS"_s);
     const QString folder = u"c"_s + c.InstrumentCode;
-    const Message1190 message =
+    Message1190 message =
         ParseMessage1190(ReadPieceTexts(folder, folder, pieceCount, stamp), settings.sampleRule);
     // The log lines read SampleId and RunMark.
     c.SampleId = message.sampleId;
