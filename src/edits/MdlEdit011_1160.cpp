@@ -143,7 +143,7 @@ Message1160 RunEdit(std::int16_t pieceCount) {
     Message1160 message =
         ParseMessage1160(pieces.texts, settings.sampleRule, {c.SampleId, c.KensaDate, c.KensaTime},
                          [&](const QString& record, std::int16_t number, const Message1160& soFar) {
-                             // The log line of an abnormal end shows the number read so far.
+                             // An abnormal end's log line shows the sample number read so far.
                              c.SampleId = soFar.sampleId;
                              SlogOut(record, InstrumentCodeNumber(), stamp, number);
                          });
@@ -158,7 +158,8 @@ Message1160 RunEdit(std::int16_t pieceCount) {
         case SavedPieces::End::Unreadable:
             throw RuntimeError(errors::FileNotFound());
         case SavedPieces::End::Missing:
-            // Reading ended at the gap, and no row is written: the empty file is delivered.
+            // Reading ended at the gap and no row is written: the empty work file is delivered,
+            // since this edit does not look at the size.
             DeliverWorkFileAsIs(workPath);
             return message;
         case SavedPieces::End::AllRead:
@@ -168,9 +169,9 @@ Message1160 RunEdit(std::int16_t pieceCount) {
     // handle closed, so a long run does not pile up open handles.
     if (message.queryKey || message.rows.empty()) return message;
     const QString lines = ResultLines1160(message, settings);
+    // The delivery's log pair shows the run mark of the lines.
     c.RunMark = settings.runMarkDefault;
     if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
-    // There is no test of the size: an empty file would be delivered as well.
     DeliverWorkFileAsIs(workPath);
     return message;
 }

@@ -29,25 +29,19 @@ QString Sample(const QString& field, const SampleRule& rule = {}) {
 
 }  // namespace
 
-// Several Q records: a component is overwritten only when present. A header field that is
-// not there leaves its echo absent.
-TEST(Parse0980, AQueryKeepsItsKeyAndTheHeaderItsEcho) {
-    const Message0980 m = ParseMessage0980(
-        {Frame(1, u"H|\\^&|||TOSOH^HLC-723G11|||||||||1394-97"_s),
-         Frame(2, u"Q|1| 0012-34 ^R05^P3||ALL"_s), Frame(3, u"Q|2| K9 "_s), Frame(4, u"L|1"_s)},
-        {}, {});
+// Several Q records: a component is overwritten only when present; a Q record without the field
+// still makes a query. A header field that is not there leaves its echo absent.
+TEST(Parse0980, QueryAndEcho) {
+    const Message0980 m =
+        ParseMessage0980({Frame(1, u"H|\\^&|||HLC"_s), Frame(2, u"Q|1| 0012-34 ^R05^P3||ALL"_s),
+                          Frame(3, u"Q|2| K9 "_s)},
+                         {}, {});
     ASSERT_TRUE(m.query.has_value());
-    EXPECT_EQ((QStringList{m.query->key, m.query->second, m.query->third}),
-              (QStringList{u"K9"_s, u"R05"_s, u"P3"_s}));
-    EXPECT_EQ(m.echoSender, u"TOSOH^HLC-723G11"_s);
-    EXPECT_EQ(m.echoVersion, u"1394-97"_s);
-    EXPECT_TRUE(m.rows.empty());
-
-    const Message0980 bare = ParseMessage0980({u"H|\\^&|||HLC"_s, u"Q|1"_s}, {}, {});
-    ASSERT_TRUE(bare.query.has_value());
-    EXPECT_TRUE(bare.query->key.isEmpty() && bare.query->second.isEmpty());
-    EXPECT_EQ(bare.echoSender, u"HLC"_s);
-    EXPECT_FALSE(bare.echoVersion.has_value());
+    EXPECT_EQ((QStringList{m.query->key, m.query->second, m.query->third, *m.echoSender}),
+              (QStringList{u"K9"_s, u"R05"_s, u"P3"_s, u"HLC"_s}));
+    EXPECT_FALSE(m.echoVersion.has_value());
+    const Message0980 bare = ParseMessage0980({u"Q|1"_s}, {}, {});
+    EXPECT_TRUE(bare.query.has_value() && bare.query->key.isEmpty());
     EXPECT_FALSE(ParseMessage0980({u"P|1"_s}, {}, {}).query.has_value());
 }
 
@@ -86,25 +80,15 @@ TEST(Parse0980, RowsOfCutReadsAndTheExaminationTime) {
     EXPECT_EQ(many.rows.back().value, u"99"_s);
 }
 
-// The code of a named item is the instrument's code and the table's suffix, of any other item
-// its own name. A value keeps its decimals; one that is no number goes out with the full-width
-// sign. A row whose name is blank is passed over.
-TEST(ResultLines0980, ItemCodesValuesAndTheTail) {
+// An item the table does not name is its own code (Astm0980Test has the named ones); a row whose
+// name is blank is passed over. A number with its point past position 32767 breaks the lines
+// off, after one was built: the run mark is set.
+TEST(ResultLines0980, UnnamedItemsBlankNamesAndAValueNoMaskHolds) {
     Message0980 m;
-    m.sampleId = u"1234"_s;
-    m.sampleComment = u"Ward3"_s;
-    m.kensaDate = u"20250416"_s;
-    m.kensaTime = u"092500"_s;
-    m.rows = {
-        {u"NGSP"_s, u"5.60"_s, u"%"_s}, {u" "_s, u"1"_s, u""_s}, {u"HbA"_s, u"<3.0"_s, u"mg/dL"_s}};
+    m.rows = {{u" "_s, u"1"_s, u""_s}, {u"HbA"_s, u"5.60"_s, u"%"_s}};
     const EditSettings settings{u"0980"_s, u"HLC"_s, u"1"_s, {}, {}};
-    const QString head = u"20250416,092500,1,1234,0980,HLC,000000,"_s;
-    const QString tail = u",MIN,,,,,,,,,,Ward3\r\n"_s;
-    EXPECT_EQ(ResultLines0980(m, settings), head + u"0980160,NGSP,,,,,5.60,%"_s + tail + head +
-                                                u"HbA,HbA,,,,,＜3.0,mg/dL"_s + tail);
-
-    // A number with its point past position 32767 breaks the lines off; the first one was
-    // built, so the run mark is set.
+    EXPECT_EQ(ResultLines0980(m, settings),
+              u",,1,0,0980,HLC,000000,HbA,HbA,,,,,5.60,%,MIN,,,,,,,,,,\r\n"_s);
     m.rows.push_back({u"GLU"_s, QString(32768, u'1') + u".5"_s, u""_s});
     bool lineBuilt = false;
     EXPECT_THROW(ResultLines0980(m, settings, &lineBuilt), RuntimeError);
