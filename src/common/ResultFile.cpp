@@ -15,46 +15,35 @@ using namespace Qt::StringLiterals;
 
 namespace orbline {
 
-void ResetSampleAndItemFields() {
-    RunContext& c = Ctx();
-    c.RunMark = u"0"_s;
-    c.SampleId = u"0"_s;
-    c.SampleSeq = u"000000"_s;
-    c.ItemCode.clear();
-    c.ItemName.clear();
-    c.Extra1.clear();
-    c.ResultValue.clear();
-    c.ResultUnit.clear();
-    c.ResultKind = u"MIN"_s;
-    c.Extra2.clear();
-    c.Extra3.clear();
-    c.ResultComment.clear();
+namespace {
+
+QString CleanedValue(const QString& value) {
+    return Trim(value).replace(u'<', u'＜').replace(u'>', u'＞');
 }
 
-void ResetResultFields() {
-    ResetSampleAndItemFields();
-    RunContext& c = Ctx();
-    c.KensaDate.clear();
-    c.KensaTime.clear();
-    c.JudgeFlag.clear();
-    c.Judge1.clear();
-    c.Judge2.clear();
-}
+}  // namespace
 
-void CleanResultValue() {
-    RunContext& c = Ctx();
-    c.ResultValue = Trim(c.ResultValue).replace(u'<', u'＜').replace(u'>', u'＞');
+QString ResultRecordLine(const ResultFields& f) {
+    const QStringList fields{f.KensaDate,      f.KensaTime,
+                             f.RunMark,        f.SampleId,
+                             f.InstrumentCode, f.InstrumentName,
+                             f.SampleSeq,      f.ItemCode,
+                             f.ItemName,       f.JudgeFlag,
+                             f.Judge1,         f.Judge2,
+                             f.Extra1,         CleanedValue(f.ResultValue),
+                             f.ResultUnit,     f.ResultKind,
+                             f.Extra2,         f.Extra3,
+                             f.ResultComment};
+    return fields.join(u',');
 }
 
 QString ResultRecord() {
-    CleanResultValue();
     RunContext& c = Ctx();
-    const QStringList fields{c.KensaDate,      c.KensaTime,      c.RunMark,      c.SampleId,
-                             c.InstrumentCode, c.InstrumentName, c.SampleSeq,    c.ItemCode,
-                             c.ItemName,       c.JudgeFlag,      c.Judge1,       c.Judge2,
-                             c.Extra1,         c.ResultValue,    c.ResultUnit,   c.ResultKind,
-                             c.Extra2,         c.Extra3,         c.ResultComment};
-    c.ResultLine = fields.join(u',');
+    c.ResultValue = CleanedValue(c.ResultValue);
+    c.ResultLine = ResultRecordLine(
+        {c.KensaDate, c.KensaTime, c.RunMark, c.SampleId, c.InstrumentCode, c.InstrumentName,
+         c.SampleSeq, c.ItemCode, c.ItemName, c.JudgeFlag, c.Judge1, c.Judge2, c.Extra1,
+         c.ResultValue, c.ResultUnit, c.ResultKind, c.Extra2, c.Extra3, c.ResultComment});
     return c.ResultLine;
 }
 
@@ -95,17 +84,20 @@ std::int16_t HasFiles(std::int16_t kind, const QString& folder) {
 namespace {
 
 // A new name in JyusinDataPath, the move there, and the log pair "出力完了(Write) -- ".
-void MoveIntoDelivery(const QString& workPath, QString* deliveredPath) {
+void MoveIntoDelivery(const QString& workPath, FailedMove failedMove, QString* deliveredPath) {
     QString target;
     MakeOutFile(Ctx().JyusinDataPath, target);
-    if (!MoveFileDurable(workPath, target)) throw RuntimeError(errors::PathNotFound());
-    if (deliveredPath != nullptr) *deliveredPath = target;
+    if (MoveFileDurable(workPath, target)) {
+        if (deliveredPath != nullptr) *deliveredPath = target;
+    } else if (failedMove == FailedMove::Throws) {
+        throw RuntimeError(errors::PathNotFound());
+    }
     LogEvent(u"出力完了(Write) -- "_s, u"出力完了(Write) -- "_s, LogForm::Full);
 }
 
 }  // namespace
 
-Delivery DeliverWorkFile(const QString& workPath, QString* deliveredPath) {
+Delivery DeliverWorkFile(const QString& workPath, FailedMove failedMove, QString* deliveredPath) {
     const auto length = FileLength(workPath);
     if (!length) throw RuntimeError(errors::FileNotFound());
     if (*length == 0) {
@@ -113,12 +105,12 @@ Delivery DeliverWorkFile(const QString& workPath, QString* deliveredPath) {
         LogEvent(u"Size=0のため出力なし -- "_s, u"Size=0のため出力なし -- "_s, LogForm::Full);
         return Delivery::Empty;
     }
-    MoveIntoDelivery(workPath, deliveredPath);
+    MoveIntoDelivery(workPath, failedMove, deliveredPath);
     return Delivery::Delivered;
 }
 
 void DeliverWorkFileAsIs(const QString& workPath, QString* deliveredPath) {
-    MoveIntoDelivery(workPath, deliveredPath);
+    MoveIntoDelivery(workPath, FailedMove::Throws, deliveredPath);
 }
 
 void LogNoOutput() {

@@ -9,16 +9,38 @@
 
 namespace orbline {
 
-// The reset at the start of each message and line: "000000" for SampleSeq, "MIN" for
-// ResultKind, "0" for RunMark and SampleId, the empty text for the other record fields.
-void ResetResultFields();
+// The 19 fields of a result record, named as the RunContext fields they stand for. The start
+// values are those of the reset at each message and line: "000000" for SampleSeq, "MIN" for
+// ResultKind, "0" for RunMark and SampleId, the empty text for the rest. Every field has its
+// initializer, so that a designated initializer may leave any out.
+struct ResultFields {
+    QString KensaDate{};
+    QString KensaTime{};
+    QString RunMark = QStringLiteral("0");
+    QString SampleId = QStringLiteral("0");
+    QString InstrumentCode{};
+    QString InstrumentName{};
+    QString SampleSeq = QStringLiteral("000000");
+    QString ItemCode{};
+    QString ItemName{};
+    QString JudgeFlag{};
+    QString Judge1{};
+    QString Judge2{};
+    QString Extra1{};
+    QString ResultValue{};
+    QString ResultUnit{};
+    QString ResultKind = QStringLiteral("MIN");
+    QString Extra2{};
+    QString Extra3{};
+    QString ResultComment{};
+};
 
-// The same without the examination date and time and the judge fields, which some edits keep
-// from the message before.
-void ResetSampleAndItemFields();
-// ResultValue trimmed, "<" and ">" replaced by their full-width forms.
-void CleanResultValue();
-// Cleans ResultValue, then builds the 19 fields joined by "," into ResultLine and returns it.
+// The 19 fields joined by ",", with ResultValue cleaned first: trimmed, "<" and ">" replaced by
+// their full-width forms. No other field is cleaned, so a comma in one shifts the fields.
+QString ResultRecordLine(const ResultFields& fields);
+
+// The same line of the RunContext fields: cleans ResultValue in place, builds the line into
+// ResultLine and returns it.
 QString ResultRecord();
 
 // folder\code-prefix-stampserial~KVB.csv, stamp "YYYYMMDDHHMMDD", serial OutSerial in "00000"
@@ -31,10 +53,15 @@ void MakeOutFileEx(const QString& folder, QString& path, const QString& prefix);
 std::int16_t HasFiles(std::int16_t kind, const QString& folder);
 
 enum class Delivery { Delivered, Empty };
+// What a move into the delivery folder that fails does: an edit with an error exit ends there;
+// an edit that passes its errors over goes on to the log pair as if the move had been made.
+enum class FailedMove { Throws, PassedOver };
 // The common end of a result edit, for a closed work file: when it holds bytes, a new name in
 // JyusinDataPath and the move ("出力完了(Write) -- "); when empty, its deletion
-// ("Size=0のため出力なし -- "). A failed move throws RuntimeError and leaves the work file.
-Delivery DeliverWorkFile(const QString& workPath, QString* deliveredPath = nullptr);
+// ("Size=0のため出力なし -- "). A work file that is not there throws RuntimeError. A failed move
+// leaves the work file where it is.
+Delivery DeliverWorkFile(const QString& workPath, FailedMove failedMove,
+                         QString* deliveredPath = nullptr);
 // The same move and log with no test of the size, for an edit that delivers its work file even
 // when it is empty (1160). A failed move throws RuntimeError and leaves the work file.
 void DeliverWorkFileAsIs(const QString& workPath, QString* deliveredPath = nullptr);

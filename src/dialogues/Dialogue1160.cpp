@@ -37,7 +37,7 @@ void Edit1160(AstmLoopState& s) {
     // The flag never outlives its message here.
     s.QueryKey.clear();
     s.EotFlag = 0;
-    EditResult1160(s.PieceCount, s.QueryKey);
+    s.QueryKey = EditResult1160(s.PieceCount).queryKey.value_or(QString());
 }
 
 const AstmDialogue kDialogue1160{

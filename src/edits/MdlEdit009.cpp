@@ -6,14 +6,10 @@
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
 #include "common/Text.h"
-#include "common/TextFile.h"
 #include "edits/AstmRecords.h"
-
-#include <QStringView>
-
-#include <algorithm>
-#include <limits>
-#include <optional>
+#include "edits/PieceFiles.h"
+#include "edits/ResultDelivery.h"
+#include "tables/ItemTables.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,173 +17,152 @@ namespace orbline {
 
 namespace {
 
-struct Item {
-    QStringView name;
-    QStringView suffix;  // behind InstrumentCode: "0980" + "010"
-};
-
-// The fixed item table; the setting HbA1c has no part in it.
-constexpr Item kItems[] = {
-    {u"HbA1c", u"010"},      {u"IFCC", u"020"},       {u"HbF", u"030"},
-    {u"GLU", u"040"},        {u"PeakHbA1ab", u"050"}, {u"PeakHbF", u"060"},
-    {u"Peak#C", u"070"},     {u"PeakHbA1c", u"080"},  {u"PeakA0", u"090"},
-    {u"TimeBottom", u"100"}, {u"TimeBase", u"110"},   {u"TimeBefore", u"120"},
-    {u"TimeAfter", u"130"},  {u"TimeGain", u"140"},   {u"AreaTotal", u"150"},
-    {u"NGSP", u"160"},
-};
-
-// Columns of a result row in RecordFields.
-constexpr qsizetype kName = 0;
-constexpr qsizetype kValue = 1;
-constexpr qsizetype kUnit = 2;
-
-// What one call carries from record to record besides RunContext.
-struct Message {
-    QString sampleComment;  // second part of the O record's field 2
-};
-
-// The start values of each call. KensaDate, KensaTime and QueryMark0980 are not among them:
-// the first two keep the previous message's values until an R record sets them.
-void StartCall() {
-    ResetSampleAndItemFields();
-    RunContext& c = Ctx();
-    c.RecordCount = 0;
-    c.RecordFields.clear();
+void ReadHeader(const QStringList& fields, Message0980& message) {
+    if (const auto sender = FieldAt(fields, 4)) message.echoSender = *sender;
+    if (const auto version = FieldAt(fields, 13)) message.echoVersion = *version;
 }
 
-void ApplyIdEntryRule() {
-    RunContext& c = Ctx();
-    // IDEntry "2" takes the fixed number even when it is empty; otherwise only a given one.
-    if (c.IDEntry == u"2"_s || !c.FixedSampleId.isEmpty()) c.SampleId = c.FixedSampleId;
-}
-
-void ReadHeader(const QStringList& fields) {
-    RunContext& c = Ctx();
-    if (const auto sender = FieldAt(fields, 4)) c.EchoSender = *sender;
-    if (const auto version = FieldAt(fields, 13)) c.EchoVersion = *version;
-}
-
-void ReadQuery(const QStringList& fields) {
-    RunContext& c = Ctx();
-    c.QueryMark0980 = u"Q"_s;
+void ReadQuery(const QStringList& fields, Message0980& message) {
+    if (!message.query) message.query.emplace();
     const std::optional<QString> key = FieldAt(fields, 2);
     if (!key) return;
     const QStringList parts = Split(*key, u"^"_s);
-    if (const auto first = FieldAt(parts, 0)) c.RecordFields.put(0, 20, Trim(*first));
-    if (const auto second = FieldAt(parts, 1)) c.RecordFields.put(0, 23, *second);
-    if (const auto third = FieldAt(parts, 2)) c.RecordFields.put(0, 22, *third);
+    if (const auto first = FieldAt(parts, 0)) message.query->key = Trim(*first);
+    if (const auto second = FieldAt(parts, 1)) message.query->second = *second;
+    if (const auto third = FieldAt(parts, 2)) message.query->third = *third;
 }
 
-void ReadOrder(const QStringList& fields, Message& message) {
-    RunContext& c = Ctx();
+void ReadOrder(const QStringList& fields, const SampleRule& rule, Message0980& message) {
     if (const auto sample = FieldAt(fields, 2)) {
         const QString text = QString(*sample).remove(u'-');
         const QStringList parts = Split(text, u"^"_s);
         if (text.isEmpty()) {
-            c.SampleId = u"0"_s;
+            message.sampleId = u"0"_s;
         } else {
             // The number as text, so that a long barcode stays exact.
             const QString& first = parts.first();
-            c.SampleId = IsNumeric(first) ? PlainDecimalText(Trim(first)) : first;
+            message.sampleId = IsNumeric(first) ? PlainDecimalText(Trim(first)) : first;
         }
         if (const auto comment = FieldAt(parts, 1)) message.sampleComment = *comment;
     }
-    ApplyIdEntryRule();
-    if (const auto seq = FieldAt(fields, 3)) c.SampleSeq = FormatNumber(Trim(*seq), u"000000"_s);
-    // Field 22 holds the collection date and time; the edit reads them and has no use for them.
+    message.sampleId = ApplyIdEntryRule(message.sampleId, rule);
+    if (const auto seq = FieldAt(fields, 3))
+        message.sampleSeq = FormatNumber(Trim(*seq), u"000000"_s);
+    // Field 22 holds the collection date and time; the edit has no use for them.
 }
 
-void ReadResult(const QStringList& fields) {
-    RunContext& c = Ctx();
+void ReadResult(const QStringList& fields, Message0980& message) {
+    // Read before the name decides whether the record is kept: an ADCount record sets it too.
     if (FieldAt(fields, 1) == u"1"_s) {
         if (const auto when = FieldAt(fields, 11)) {
             const QString stamp = Trim(*when);
-            c.KensaDate = Left(stamp, 8);
+            message.kensaDate = Left(stamp, 8);
             // Hours and minutes only: the seconds are always "00".
-            c.KensaTime = Mid(stamp, 9, 4) + u"00"_s;
+            message.kensaTime = Mid(stamp, 9, 4) + u"00"_s;
         }
     }
     std::optional<QString> name;
     if (const auto field = FieldAt(fields, 2))
         name = QString(*field).remove(u'^').remove(u"Value"_s);
     if (name && name->startsWith(u"ADCount"_s)) return;
-    if (c.RecordCount == std::numeric_limits<std::int16_t>::max()) return;
-    c.RecordCount += 1;
-    // Past row 100 the puts do nothing: the record is lost.
-    if (name) c.RecordFields.put(c.RecordCount, kName, *name);
-    if (const auto value = FieldAt(fields, 3)) c.RecordFields.put(c.RecordCount, kValue, *value);
-    if (const auto unit = FieldAt(fields, 4)) c.RecordFields.put(c.RecordCount, kUnit, *unit);
+    if (message.rows.size() >= kMaxRows0980) return;
+    message.rows.push_back({name.value_or(QString()), FieldAt(fields, 3).value_or(QString()),
+                            FieldAt(fields, 4).value_or(QString())});
 }
 
-void ReadRecord(const QStringList& fields, Message& message) {
-    const std::optional<QChar> type = RecordType(fields);
-    if (!type) return;
-    switch (type->unicode()) {
-        case u'H':
-            ReadHeader(fields);
-            return;
-        case u'Q':
-            ReadQuery(fields);
-            return;
-        case u'O':
-            ReadOrder(fields, message);
-            return;
-        case u'R':
-            ReadResult(fields);
-            return;
-        default:  // P, L, the frame trailer and anything else
-            return;
+QString ItemCodeFor(const QString& name, const QString& instrumentCode) {
+    for (const Item0980& item : Items0980()) {
+        if (item.name == name) return instrumentCode + item.suffix.toString();
     }
+    return name;
 }
 
-QString ItemCodeFor(const QString& name) {
-    const auto* found = std::find_if(std::begin(kItems), std::end(kItems),
-                                     [&](const Item& item) { return item.name == name; });
-    if (found == std::end(kItems)) return name;
-    return Ctx().InstrumentCode + found->suffix.toString();
-}
-
-// The text of the result file: one line per kept row, in the 0980 form of the record.
-QString ResultText(const Message& message) {
+// Until the dialogues read the returned message.
+void LeaveQueryInContext(const Message0980& message) {
     RunContext& c = Ctx();
-    QString text;
-    for (qsizetype row = 1; row <= c.RecordCount; ++row) {
-        const std::optional<QString> name = c.RecordFields.get(row, kName);
-        if (!name) break;  // rows past the table's end were never stored
-        c.ItemName = *name;
-        if (Trim(c.ItemName).isEmpty()) continue;
-        c.ResultValue = c.RecordFields.get(row, kValue).value_or(QString());
-        c.ResultUnit = c.RecordFields.get(row, kUnit).value_or(QString());
-        c.ItemCode = ItemCodeFor(c.ItemName);
-        c.Judge1.clear();
-        c.Judge2.clear();
-        c.JudgeFlag.clear();
-        c.ResultComment.clear();
-        c.ResultValue = FormatOwnDecimals(c.ResultValue);
-        c.RunMark = c.RunMarkDefault;
-        // ResultRecord trims the value and gives "<" and ">" their full-width forms.
-        text += ResultRecord() + u",,,,,,,"_s + message.sampleComment + u"\r\n"_s;
-    }
-    return text;
-}
-
-void WriteResult(const Message& message) {
-    WriteAndDeliver(ResultText(message), DeliveryNames::OneBurnt);
+    if (message.echoSender) c.EchoSender = *message.echoSender;
+    if (message.echoVersion) c.EchoVersion = *message.echoVersion;
+    c.RecordFields.clear();
+    if (!message.query) return;
+    c.QueryMark0980 = u"Q"_s;
+    c.RecordFields.put(0, 20, message.query->key);
+    c.RecordFields.put(0, 23, message.query->second);
+    c.RecordFields.put(0, 22, message.query->third);
 }
 
 }  // namespace
 
-void EditResult0980(std::int16_t pieceCount) {
-    PassOver([&] {
-        StartCall();
-        const QString stamp = NowText(u"YYYYMMDDHHMMSS"_s);
-        Message message;
-        ForEachPieceRecord(u"c980"_s, u"c980"_s, pieceCount, stamp, [&](const QStringList& fields) {
-            PassOver([&] { ReadRecord(fields, message); });
-        });
-        if (Ctx().QueryMark0980 == u"Q"_s) return;
-        WriteResult(message);
-    });
+Message0980 ParseMessage0980(const QStringList& pieces, const SampleRule& rule,
+                             const Carried0980& before) {
+    Message0980 message;
+    message.kensaDate = before.kensaDate;
+    message.kensaTime = before.kensaTime;
+    for (const QStringList& fields : RecordsOfPieces(pieces)) {
+        const std::optional<QChar> type = RecordType(fields);
+        if (!type) continue;
+        switch (type->unicode()) {
+            case u'H':
+                ReadHeader(fields, message);
+                break;
+            case u'Q':
+                ReadQuery(fields, message);
+                break;
+            case u'O':
+                ReadOrder(fields, rule, message);
+                break;
+            case u'R':
+                ReadResult(fields, message);
+                break;
+            default:  // P, L, the frame trailer and anything else
+                break;
+        }
+    }
+    return message;
+}
+
+QString ResultLines0980(const Message0980& message, const EditSettings& settings, bool* lineBuilt) {
+    QString lines;
+    for (const Row0980& row : message.rows) {
+        if (Trim(row.name).isEmpty()) continue;
+        const ResultFields fields{.KensaDate = message.kensaDate,
+                                  .KensaTime = message.kensaTime,
+                                  .RunMark = settings.runMarkDefault,
+                                  .SampleId = message.sampleId,
+                                  .InstrumentCode = settings.instrumentCode,
+                                  .InstrumentName = settings.instrumentName,
+                                  .SampleSeq = message.sampleSeq,
+                                  .ItemCode = ItemCodeFor(row.name, settings.instrumentCode),
+                                  .ItemName = row.name,
+                                  .ResultValue = FormatOwnDecimals(row.value),
+                                  .ResultUnit = row.unit};
+        lines += ResultRecordLine(fields) + u",,,,,,,"_s + message.sampleComment + u"\r\n"_s;
+        if (lineBuilt != nullptr) *lineBuilt = true;
+    }
+    return lines;
+}
+
+Message0980 EditResult0980(std::int16_t pieceCount) {
+    RunContext& c = Ctx();
+    const EditSettings settings = EditSettingsFromContext();
+    const QString stamp = NowText(u"YYYYMMDDHHMMSS"_s);
+    Message0980 message = ParseMessage0980(ReadPieceTexts(u"c980"_s, u"c980"_s, pieceCount, stamp),
+                                           settings.sampleRule, {c.KensaDate, c.KensaTime});
+    // The log lines read SampleId and RunMark; the next message keeps the examination time.
+    c.SampleId = message.sampleId;
+    c.RunMark = u"0"_s;
+    c.KensaDate = message.kensaDate;
+    c.KensaTime = message.kensaTime;
+    // Until the dialogues read the returned message.
+    LeaveQueryInContext(message);
+    if (message.query) return message;
+
+    QString lines;
+    bool lineBuilt = false;
+    const bool complete = PassOver([&] { lines = ResultLines0980(message, settings, &lineBuilt); });
+    if (lineBuilt) c.RunMark = settings.runMarkDefault;
+    // A value that breaks the lines off leaves no file, as a failed step always has.
+    if (complete) WriteAndDeliver(lines, DeliveryNames::OneBurnt);
+    return message;
 }
 
 }  // namespace orbline

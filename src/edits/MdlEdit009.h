@@ -1,15 +1,72 @@
 #pragma once
 // Result edit of the glycohaemoglobin analyser 0980: ASTM-like records read from the saved
 // pieces of a message. A message with a Q record is left to the dialogue as an order query;
-// any other becomes one result file with one record per measured item.
+// any other becomes one result file with one record per measured item. The parse and the
+// result lines are pure; EditResult0980 adds the piece files, the result file and the logs.
+// Errors are passed over: a step that fails has no effect.
+
+#include "edits/EditSettings.h"
+
+#include <QString>
+#include <QStringList>
 
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 namespace orbline {
 
-// Reads pieces 1 .. pieceCount - 1 of AppPath\c980. Sets QueryMark0980 to "Q" for a query and
-// leaves its key in RecordFields(0, 20/22/23) and the header's EchoSender and EchoVersion.
-// Errors are passed over: a step that fails has no effect.
-void EditResult0980(std::int16_t pieceCount);
+// The order query of a Q record: the components of its field 2.
+struct Query0980 {
+    QString key;     // the first, trimmed
+    QString second;  // as it came
+    QString third;   // as it came
+};
+
+// One kept R record: the name without "^" and "Value", field 3 and field 4 ("" when absent).
+struct Row0980 {
+    QString name;
+    QString value;
+    QString unit;
+};
+
+// What a message keeps from the message before until an R record sets it.
+struct Carried0980 {
+    QString kensaDate;
+    QString kensaTime;
+};
+
+// The result rows are kept up to this many; the records past it are lost.
+inline constexpr std::size_t kMaxRows0980 = 100;
+
+struct Message0980 {
+    std::vector<Row0980> rows;
+    QString sampleId = QStringLiteral("0");
+    QString sampleSeq = QStringLiteral("000000");
+    QString sampleComment;  // behind the 19 fields of each line
+    QString kensaDate;
+    QString kensaTime;
+    // Present when the message holds a Q record; a component is overwritten only when present.
+    std::optional<Query0980> query;
+    // The header's fields 4 and 13, present only when the field is.
+    std::optional<QString> echoSender;
+    std::optional<QString> echoVersion;
+};
+
+// The message in the texts of its pieces (the EOT piece left out).
+Message0980 ParseMessage0980(const QStringList& pieces, const SampleRule& rule,
+                             const Carried0980& before);
+
+// The CR LF lines of the result file: the 19 fields, seven more separators and the sample
+// comment. A numeric value with its point past position 32767 throws RuntimeError (the
+// runtime's 16-bit position overflows); lineBuilt, when given, then tells whether a line came
+// before it, since the run mark of the log lines follows the lines built.
+QString ResultLines0980(const Message0980& message, const EditSettings& settings,
+                        bool* lineBuilt = nullptr);
+
+// Reads pieces 1 .. pieceCount - 1 of AppPath\c980 and, for a message that is no query, writes
+// and delivers its result file. Leaves in RunContext what is read from there later: SampleId
+// and RunMark for the log lines, KensaDate and KensaTime for the next message.
+Message0980 EditResult0980(std::int16_t pieceCount);
 
 }  // namespace orbline

@@ -6,8 +6,6 @@
 // edit has an error exit: any run-time error, a field that is not there included, ends the
 // process through ErrorExit.
 
-#include "edits/MdlEdit011.h"
-
 #include "common/Clock.h"
 #include "common/Logging.h"
 #include "common/Numbers.h"
@@ -17,12 +15,9 @@
 #include "common/RuntimeError.h"
 #include "common/Text.h"
 #include "common/TextFile.h"
+#include "edits/AstmRecords.h"
+#include "edits/MdlEdit011.h"
 #include "edits/PieceFiles.h"
-
-#include <QStringList>
-
-#include <optional>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -30,76 +25,39 @@ namespace orbline {
 
 namespace {
 
-const QString kPieceFolder = u"c1160"_s;
-const QString kPiecePrefix = u"c1160"_s;
-
-// ResultTable holds rows 1 to 100; one more is a run-time error.
-constexpr std::size_t kMaxRows = 100;
-
-// One row of ResultTable, columns 0 to 7.
-struct Row {
-    QString testNumber;  // 0
-    QString value;       // 1
-    QString unit;        // 2
-    QString lower;       // 3
-    QString upper;       // 4
-    QString judge;       // 5
-    QString sequence;    // 6
-    QString comment;     // 7
-};
-
 QString Without(QString text, QStringView characters) {
     for (const QChar c : characters) text.remove(c);
     return text;
 }
 
-// The record type: the last character of field 0.
-QChar RecordType(const QStringList& fields) {
-    const QString first = CheckedField(fields, 0);
-    return first.isEmpty() ? QChar() : first.back();
-}
-
-// Type H: an instrument that is not an "AIA-" is reported by a line written to the handle
-// SlogOut used last. That handle is closed by then, so the write itself is the run-time error
-// that ends the process: the line is built, and never reaches a file.
+// Type H: an instrument that is not an "AIA-" is reported by an error line written to the
+// handle SlogOut used last. That handle is closed by then, so the write itself is the run-time
+// error that ends the process, and the line never reaches a file.
 void ReadHeader(const QStringList& fields) {
-    const QString sender = CheckedField(fields, 4);
-    if (Left(sender, 4) == u"AIA-"_s) return;
-    RunContext& c = Ctx();
-    c.ResultLine = u"ERROR:検査機器エラー。str="_s + Trim(Left(sender, 7)) + u","_s +
-                   c.InstrumentCode + u","_s + c.InstrumentName;
+    if (Left(CheckedField(fields, 4), 4) == u"AIA-"_s) return;
     throw RuntimeError(errors::BadFileNameOrNumber());
 }
 
 // Type O: the specimen number.
-void ReadOrder(const QStringList& fields) {
-    RunContext& c = Ctx();
+void ReadOrder(const QStringList& fields, const SampleRule& rule, Message1160& message) {
     QString id = Without(Trim(Without(CheckedField(fields, 2), u"-")), u"^");
     if (id.isEmpty())
         id = u"0"_s;
     else if (IsNumeric(id))
         id = PlainDecimalText(Trim(id));
-    // IDEntry "2" takes the fixed number even when it is empty; otherwise a fixed number wins.
-    c.SampleId = (c.IDEntry == u"2"_s || !c.FixedSampleId.isEmpty()) ? c.FixedSampleId : id;
+    message.sampleId = ApplyIdEntryRule(id, rule);
 }
 
-// Type Q: an order query; the dialogue answers it with the key.
-void ReadQuery(const QStringList& fields, QString& queryKey) {
-    Ctx().QueryMark1160 = u"Q"_s;
-    queryKey = Without(CheckedField(fields, 2), u"^");
-}
-
-// Type R: one more row of ResultTable.
-void ReadResult(const QStringList& fields, std::vector<Row>& rows) {
-    RunContext& c = Ctx();
+// Type R: one more row of the result table.
+void ReadResult(const QStringList& fields, Message1160& message) {
     if (CheckedField(fields, 1) == u"1"_s) {
         // Every first result of a test sets the time: the file carries the last one's.
         const QString completed = CheckedField(fields, 12);
-        c.KensaDate = Trim(Left(completed, 8));
-        c.KensaTime = Trim(Mid(completed, 9, 6));
+        message.kensaDate = Trim(Left(completed, 8));
+        message.kensaTime = Trim(Mid(completed, 9, 6));
     }
-    if (rows.size() >= kMaxRows) throw RuntimeError(errors::SubscriptOutOfRange());
-    Row row;
+    if (message.rows.size() >= kMaxRows1160) throw RuntimeError(errors::SubscriptOutOfRange());
+    Row1160 row;
     row.testNumber = Trim(Without(CheckedField(fields, 2), u"^\\&"));
     row.value = Trim(CheckedField(fields, 3));
     row.unit = Trim(CheckedField(fields, 4));
@@ -122,54 +80,58 @@ void ReadResult(const QStringList& fields, std::vector<Row>& rows) {
         row.comment = u"測定レンジ外"_s;
     }
     row.sequence = Trim(CheckedField(fields, 1));
-    rows.push_back(row);
+    message.rows.push_back(row);
 }
 
-// The result lines of the rows, each with CR LF.
-QString ResultLines(const std::vector<Row>& rows) {
-    RunContext& c = Ctx();
-    c.RunMark = u"0"_s;
-    c.ItemCode.clear();
-    c.ItemName.clear();
-    c.ResultValue.clear();
-    c.ResultUnit.clear();
-    c.Extra1.clear();
-    c.Extra2.clear();
-    c.SampleSeq.clear();
-    c.Judge1.clear();
-    c.Judge2.clear();
-    c.JudgeFlag.clear();
-    c.ResultKind = u"MIN"_s;
-    QString text;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const Row& row = rows[i];
-        if (row.sequence != u"2"_s) {
-            c.ItemName = row.testNumber;
-            c.ItemCode = row.testNumber + u"0"_s;
-        } else if (i == 0) {
-            // The second result of a test, with no row in front of it.
-            c.ItemName = row.testNumber + u"001"_s;
-            c.ItemCode = row.testNumber + u"1"_s;
-        } else {
-            c.ItemName = row.testNumber + rows[i - 1].testNumber;
-            c.ItemCode = rows[i - 1].testNumber + u"1"_s;
-        }
-        c.ResultValue = row.value;  // as the instrument sent it: no number format
-        c.ResultUnit = row.unit;
-        c.Judge1 = row.lower;
-        c.Judge2 = row.upper;
-        c.ResultComment = row.comment;
-        CleanResultValue();
-        // Never reset between rows: the first judged row marks every row after it.
-        if (c.JudgeFlag.isEmpty()) c.JudgeFlag = row.judge;
-        c.RunMark = c.RunMarkDefault;
-        text += ResultRecord() + u"\r\n"_s;
+void ReadRecord(const QStringList& fields, const SampleRule& rule, Message1160& message) {
+    const std::optional<QChar> type = RecordType(fields);
+    if (!type) return;
+    switch (type->unicode()) {
+        case u'H':
+            ReadHeader(fields);
+            return;
+        case u'O':
+            ReadOrder(fields, rule, message);
+            return;
+        case u'Q':
+            message.queryKey = Without(CheckedField(fields, 2), u"^");
+            return;
+        case u'R':
+            ReadResult(fields, message);
+            return;
+        default:  // P, C, L and anything else change nothing
+            return;
     }
-    return text;
 }
 
-void RunEdit(std::int16_t pieceCount, QString& queryKey) {
+// The texts of the pieces up to the first that is not there or can't be read.
+struct SavedPieces {
+    enum class End { AllRead, Missing, Unreadable };
+    QStringList texts;
+    End end = End::AllRead;
+};
+
+SavedPieces ReadSavedPieces(std::int16_t pieceCount) {
+    SavedPieces pieces;
+    for (std::int16_t number = 1; number <= pieceCount - 1; ++number) {
+        const QString path = PieceFilePath(u"c1160"_s, u"c1160"_s, number);
+        if (!FileExists(path)) {
+            pieces.end = SavedPieces::End::Missing;
+            break;
+        }
+        const std::optional<QString> text = ReadAllText(path);
+        if (!text) {
+            pieces.end = SavedPieces::End::Unreadable;
+            break;
+        }
+        pieces.texts.append(*text);
+    }
+    return pieces;
+}
+
+Message1160 RunEdit(std::int16_t pieceCount) {
     RunContext& c = Ctx();
+    const EditSettings settings = EditSettingsFromContext();
     const QString stamp = NowText(u"YYYYMMDDHHMMSS"_s);
 
     // The work file exists before anything of the message is read.
@@ -177,64 +139,108 @@ void RunEdit(std::int16_t pieceCount, QString& queryKey) {
     MakeOutFile(c.JyusinWKPath, workPath);
     if (!WriteNewText(workPath, QString())) throw RuntimeError(errors::PathNotFound());
 
-    std::vector<Row> rows;
-    bool pieceMissing = false;
-    std::int16_t carryFlag = 0;
-    QString pieceText;
-    for (std::int16_t number = 1; number <= pieceCount - 1; ++number) {
-        const QString path = PieceFilePath(kPieceFolder, kPiecePrefix, number);
-        if (!FileExists(path)) {
-            pieceMissing = true;
+    const SavedPieces pieces = ReadSavedPieces(pieceCount);
+    Message1160 message =
+        ParseMessage1160(pieces.texts, settings.sampleRule, {c.SampleId, c.KensaDate, c.KensaTime},
+                         [&](const QString& record, std::int16_t number, const Message1160& soFar) {
+                             // An abnormal end's log line shows the sample number read so far.
+                             c.SampleId = soFar.sampleId;
+                             SlogOut(record, InstrumentCodeNumber(), stamp, number);
+                         });
+    // The log lines read SampleId; the next message keeps what this one did not set.
+    c.SampleId = message.sampleId;
+    c.KensaDate = message.kensaDate;
+    c.KensaTime = message.kensaTime;
+    // Until the dialogues read the returned message.
+    if (message.queryKey) c.QueryMark1160 = u"Q"_s;
+
+    switch (pieces.end) {
+        case SavedPieces::End::Unreadable:
+            throw RuntimeError(errors::FileNotFound());
+        case SavedPieces::End::Missing:
+            // Reading ended at the gap and no row is written: the empty work file is delivered,
+            // since this edit does not look at the size.
+            DeliverWorkFileAsIs(workPath);
+            return message;
+        case SavedPieces::End::AllRead:
             break;
-        }
-        if (carryFlag == 0) pieceText.clear();
-        const std::optional<QString> content = ReadAllText(path);
-        if (!content) throw RuntimeError(errors::FileNotFound());
-        for (const QString& line : SplitLines(*content, LineEnds::CrLfOrCrOrLf)) pieceText += line;
-
-        const QStringList fields = Split(pieceText, u"|"_s);
-        // An empty text has no field 0 and is no result record; it is passed over below.
-        if (!fields.isEmpty() && RecordType(fields) == u'R' && fields.size() < 6) {
-            carryFlag = 1;  // the next piece goes on with this record
-            continue;
-        }
-        carryFlag = 0;
-        SlogOut(pieceText, InstrumentCodeNumber(), stamp, number);
-        if (fields.isEmpty()) continue;
-        switch (RecordType(fields).unicode()) {
-            case u'H':
-                ReadHeader(fields);
-                break;
-            case u'O':
-                ReadOrder(fields);
-                break;
-            case u'Q':
-                ReadQuery(fields, queryKey);
-                break;
-            case u'R':
-                ReadResult(fields, rows);
-                break;
-            default:
-                break;  // P, C, L and anything else change nothing
-        }
     }
-
-    if (!pieceMissing) {
-        // A query, or a message with no result: the empty work file stays where it is, with its
-        // handle closed, so a long run does not pile up open handles.
-        if (c.QueryMark1160 == u"Q"_s || rows.empty()) return;
-        if (!WriteNewText(workPath, ResultLines(rows))) throw RuntimeError(errors::PathNotFound());
-    }
-    // A missing piece ends the reading and comes here with no row written. There is no test of
-    // the size: an empty file is delivered as well.
+    // A query, or a message with no result: the empty work file stays where it is, with its
+    // handle closed, so a long run does not pile up open handles.
+    if (message.queryKey || message.rows.empty()) return message;
+    const QString lines = ResultLines1160(message, settings);
+    // The delivery's log pair shows the run mark of the lines.
+    c.RunMark = settings.runMarkDefault;
+    if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
     DeliverWorkFileAsIs(workPath);
+    return message;
 }
 
 }  // namespace
 
-void EditResult1160(std::int16_t pieceCount, QString& queryKey) {
+Message1160 ParseMessage1160(const QStringList& pieces, const SampleRule& rule,
+                             const Carried1160& before, const RecordSeen1160& seen) {
+    Message1160 message;
+    message.sampleId = before.sampleId;
+    message.kensaDate = before.kensaDate;
+    message.kensaTime = before.kensaTime;
+    QString record;
+    bool carrying = false;
+    for (qsizetype i = 0; i < pieces.size(); ++i) {
+        if (!carrying) record.clear();
+        for (const QString& line : SplitLines(pieces[i], LineEnds::CrLfOrCrOrLf)) record += line;
+        const QStringList fields = Split(record, u"|"_s);
+        // An empty text has no field 0 and is no result record; it is passed over below.
+        carrying = !fields.isEmpty() && RecordType(fields) == u'R' && fields.size() < 6;
+        if (carrying) continue;  // the next piece goes on with this record
+        if (seen) seen(record, static_cast<std::int16_t>(i + 1), message);
+        ReadRecord(fields, rule, message);
+    }
+    return message;
+}
+
+QString ResultLines1160(const Message1160& message, const EditSettings& settings) {
+    QString lines;
+    // Never reset between rows: the first judged row marks every row after it.
+    QString judgeFlag;
+    for (std::size_t i = 0; i < message.rows.size(); ++i) {
+        const Row1160& row = message.rows[i];
+        QString name = row.testNumber;
+        QString code = row.testNumber + u"0"_s;
+        if (row.sequence == u"2"_s && i == 0) {
+            // The second result of a test with no row in front of it.
+            name = row.testNumber + u"001"_s;
+            code = row.testNumber + u"1"_s;
+        } else if (row.sequence == u"2"_s) {
+            // The second result of a test, named after the row in front of it.
+            const QString& before = message.rows[i - 1].testNumber;
+            name = row.testNumber + before;
+            code = before + u"1"_s;
+        }
+        if (judgeFlag.isEmpty()) judgeFlag = row.judge;
+        const ResultFields fields{.KensaDate = message.kensaDate,
+                                  .KensaTime = message.kensaTime,
+                                  .RunMark = settings.runMarkDefault,
+                                  .SampleId = message.sampleId,
+                                  .InstrumentCode = settings.instrumentCode,
+                                  .InstrumentName = settings.instrumentName,
+                                  .SampleSeq = QString(),
+                                  .ItemCode = code,
+                                  .ItemName = name,
+                                  .JudgeFlag = judgeFlag,
+                                  .Judge1 = row.lower,
+                                  .Judge2 = row.upper,
+                                  .ResultValue = row.value,  // no number format: as it was sent
+                                  .ResultUnit = row.unit,
+                                  .ResultComment = row.comment};
+        lines += ResultRecordLine(fields) + u"\r\n"_s;
+    }
+    return lines;
+}
+
+Message1160 EditResult1160(std::int16_t pieceCount) {
     try {
-        RunEdit(pieceCount, queryKey);
+        return RunEdit(pieceCount);
     } catch (const RuntimeError& error) {
         ErrorExit(error.description());
     }

@@ -59,16 +59,10 @@ QString SampleNumberAsRead(const QString& taken) {
     return taken;
 }
 
-QString ApplySampleRule(const QString& read, const ScanInputs2620& inputs) {
-    if (inputs.idEntry == u"2"_s) return inputs.fixedSampleId;
-    if (!inputs.fixedSampleId.isEmpty()) return inputs.fixedSampleId;
-    return read;
-}
-
 void ScanFtLine(const QString& line, const ScanInputs2620& inputs, ScanState2620& state) {
     if (const qsizetype maker = InStr(line, u"TOMEY"_s); maker > 0) {
         const qsizetype p = maker + 12;
-        state.sampleId = ApplySampleRule(SampleNumberAsRead(Mid(line, p, 6)), inputs);
+        state.sampleId = ApplyIdEntryRule(SampleNumberAsRead(Mid(line, p, 6)), inputs.sampleRule);
         state.date = Without(u"20"_s + Mid(line, p + 6, 8), u'.');
         state.time = Without(Mid(line, p + 15, 5) + u"00"_s, u':');
         return;
@@ -102,7 +96,7 @@ void ScanDefaultLine(const QString& line, const ScanInputs2620& inputs, Section&
         QString read = u"0"_s;
         if (const qsizetype colon = InStr(line, u":"_s); colon > 0)
             read = SampleNumberAsRead(Mid(line, colon + 1, 20));
-        state.sampleId = ApplySampleRule(read, inputs);
+        state.sampleId = ApplyIdEntryRule(read, inputs.sampleRule);
         return;
     }
     if (Holds(line, u"<STANDARD>") || Holds(line, u"<BY TIME>") || Holds(line, u"<BY RELIAB"))
@@ -145,42 +139,28 @@ void ScanDefaultLine(const QString& line, const ScanInputs2620& inputs, Section&
     }
 }
 
-void WriteRows(const std::vector<Row2620>& rows) {
+void WriteRows(const std::vector<Row2620>& rows, const EditSettings& settings) {
     RunContext& c = Ctx();
     QString workPath;
     MakeOutFile(c.JyusinWKPath, workPath);
-    QString text;
-    for (const Row2620& row : rows) {
-        c.KensaDate = row.date;
-        c.KensaTime = row.time;
-        c.SampleId = row.sampleId;
-        c.ItemCode = row.itemCode;
-        c.ItemName = row.itemName;
-        c.ResultValue = Trim(row.value);
-        c.ResultUnit = row.unit;
-        c.SampleSeq = row.seq;
-        c.Judge1.clear();
-        c.Judge2.clear();
-        c.JudgeFlag.clear();
-        c.ResultComment.clear();
-        if (c.ResultValue.isEmpty()) continue;
-        // Keeps the printed number of decimals.
-        c.ResultValue = FormatOwnDecimals(c.ResultValue);
-        c.ItemName = Trim(c.ItemName).replace(u',', u'.');
-        c.ItemCode = Trim(c.ItemCode).replace(u',', u'.');
-        c.RunMark = c.RunMarkDefault;
-        text += ResultRecord() + u"\r\n"_s;
-    }
+    const QString lines = ResultLines2620(rows, settings);
+    // The log lines show the sample number of the last row, and the run mark once a line is
+    // built.
+    c.SampleId = rows.back().sampleId;
+    if (!lines.isEmpty()) c.RunMark = settings.runMarkDefault;
     // The file exists even when every row was skipped: delivery then deletes it.
-    if (!WriteNewText(workPath, text)) throw RuntimeError(errors::PathNotFound());
-    DeliverWorkFile(workPath);
+    if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
+    DeliverWorkFile(workPath, FailedMove::Throws);
 }
 
 void RunEdit() {
     RunContext& c = Ctx();
-    ResetResultFields();
-    const ScanInputs2620 inputs{c.FT01Format == u"1"_s, NowText(u"YYYYMMDD"_s), c.IDEntry,
-                                c.FixedSampleId};
+    // What the log lines show until rows are written.
+    c.SampleId = u"0"_s;
+    c.RunMark = u"0"_s;
+    const EditSettings settings = EditSettingsFromContext();
+    const ScanInputs2620 inputs{c.FT01Format == u"1"_s, NowText(u"YYYYMMDD"_s),
+                                settings.sampleRule};
     ScanState2620 state = StartScan2620(inputs);
     const QString stamp = NowText(u"YYYYMMDDHHMMSS"_s);
     for (std::int16_t i = 0; i < c.BlockCount; ++i) {
@@ -192,7 +172,7 @@ void RunEdit() {
         LogNoOutput();
         return;
     }
-    WriteRows(state.rows);
+    WriteRows(state.rows, settings);
 }
 
 }  // namespace
@@ -213,6 +193,28 @@ void ScanBlock2620(const QString& block, const ScanInputs2620& inputs, ScanState
         else
             ScanDefaultLine(line, inputs, section, state);
     }
+}
+
+QString ResultLines2620(const std::vector<Row2620>& rows, const EditSettings& settings) {
+    QString lines;
+    for (const Row2620& row : rows) {
+        const QString value = Trim(row.value);
+        if (value.isEmpty()) continue;
+        const ResultFields fields{.KensaDate = row.date,
+                                  .KensaTime = row.time,
+                                  .RunMark = settings.runMarkDefault,
+                                  .SampleId = row.sampleId,
+                                  .InstrumentCode = settings.instrumentCode,
+                                  .InstrumentName = settings.instrumentName,
+                                  .SampleSeq = row.seq,
+                                  .ItemCode = Trim(row.itemCode).replace(u',', u'.'),
+                                  .ItemName = Trim(row.itemName).replace(u',', u'.'),
+                                  // Keeps the printed number of decimals.
+                                  .ResultValue = FormatOwnDecimals(value),
+                                  .ResultUnit = row.unit};
+        lines += ResultRecordLine(fields) + u"\r\n"_s;
+    }
+    return lines;
 }
 
 void EditResult2620() {

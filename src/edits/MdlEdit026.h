@@ -2,8 +2,10 @@
 // Result edit of the tonometer 2620 (TOMEY). The instrument sends the text of its print-out,
 // so the edit is a line scanner over the received blocks: lines are recognised by fixed
 // substrings, values are taken from fixed columns. Two print-out layouts exist (setting
-// FT01Format). The scanners are pure; EditResult2620 adds the logs, the result file and the
-// error exit.
+// FT01Format). The scanners and the result lines are pure; EditResult2620 adds the logs, the
+// result file and the error exit.
+
+#include "edits/EditSettings.h"
 
 #include <QString>
 
@@ -32,8 +34,7 @@ inline constexpr qsizetype kMaxRows2620 = 100;
 struct ScanInputs2620 {
     bool ftLayout = false;  // FT01Format "1"
     QString today;          // "YYYYMMDD"
-    QString idEntry;
-    QString fixedSampleId;
+    SampleRule sampleRule;
 };
 
 // What one call carries from line to line and block to block.
@@ -51,8 +52,13 @@ ScanState2620 StartScan2620(const ScanInputs2620& inputs);
 // go past position 100.
 void ScanBlock2620(const QString& block, const ScanInputs2620& inputs, ScanState2620& state);
 
-// Turns Ctx().BlockList (0 .. BlockCount - 1) into a delivered result file. A run-time error
-// ends the process through GAbendExit.
+// The CR LF lines of the result file: a record for each row with a value, the value in the
+// shape of its own decimals, "," in item name and code turned into ".".
+QString ResultLines2620(const std::vector<Row2620>& rows, const EditSettings& settings);
+
+// Turns Ctx().BlockList (0 .. BlockCount - 1) into a delivered result file. Leaves in RunContext
+// what the log lines read from there: SampleId and RunMark. A run-time error ends the process
+// through GAbendExit.
 void EditResult2620();
 
 }  // namespace orbline

@@ -1,7 +1,13 @@
 #include "edits/PieceFiles.h"
 
+#include "common/Logging.h"
 #include "common/Numbers.h"
+#include "common/Paths.h"
 #include "common/RunContext.h"
+#include "common/RuntimeError.h"
+#include "common/TextFile.h"
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -14,6 +20,22 @@ QString PieceFolder(const QString& folder) {
 QString PieceFilePath(const QString& folder, const QString& prefix, int number) {
     return PieceFolder(folder) + u"\\"_s + prefix + u"_"_s +
            FormatNumber(QString::number(number), u"0000"_s) + u".txt"_s;
+}
+
+QStringList ReadPieceTexts(const QString& folder, const QString& prefix, std::int16_t pieceCount,
+                           const QString& stamp) {
+    QStringList texts;
+    for (int number = 1; number < pieceCount; ++number) {
+        const QString path = PieceFilePath(folder, prefix, number);
+        if (!FileExists(path)) continue;
+        // A code that is no 16-bit number fails the copy, a step that is passed over.
+        PassOver([&] {
+            SlogCopy(path, InstrumentCodeNumber(), stamp,
+                     FormatNumber(QString::number(number), u"0000"_s), u"txt"_s);
+        });
+        if (const std::optional<QString> text = ReadAllText(path)) texts.append(*text);
+    }
+    return texts;
 }
 
 }  // namespace orbline

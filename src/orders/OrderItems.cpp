@@ -1,6 +1,7 @@
 #include "orders/OrderItems.h"
 
 #include "common/RunContext.h"
+#include "tables/ItemTables.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,17 +23,19 @@ const std::vector<OrderItem>& Rows1650() {
 }
 
 const std::vector<OrderItem>& Rows1190() {
-    static const std::vector<OrderItem> rows = {
-        {u"WBC"_s, u"1190010"_s},    {u"RBC"_s, u"1190020"_s},    {u"HGB"_s, u"1190030"_s},
-        {u"HCT"_s, u"1190040"_s},    {u"MCV"_s, u"1190050"_s},    {u"MCH"_s, u"1190060"_s},
-        {u"MCHC"_s, u"1190070"_s},   {u"PLT"_s, u"1190080"_s},    {u"NEUT%"_s, u"1190090"_s},
-        {u"LYMPH%"_s, u"1190100"_s}, {u"MONO%"_s, u"1190110"_s},  {u"EO%"_s, u"1190120"_s},
-        {u"BASO%"_s, u"1190130"_s},  {u"NEUT#"_s, u"1190140"_s},  {u"LYMPH#"_s, u"1190150"_s},
-        {u"MONO#"_s, u"1190160"_s},  {u"EO#"_s, u"1190170"_s},    {u"BASO#"_s, u"1190180"_s},
-        {u"RDW-SD"_s, u"1190190"_s}, {u"RDW-CV"_s, u"1190200"_s}, {u"PDW"_s, u"1190210"_s},
-        {u"MPV"_s, u"1190220"_s},    {u"P-LCR"_s, u"1190230"_s},  {u"PCT"_s, u"1190240"_s},
-    };
+    static const std::vector<OrderItem> rows = [] {
+        std::vector<OrderItem> all;
+        for (const MeasuredItem1190& item : MeasuredItems1190())
+            all.push_back({item.name.toString(), item.code.toString()});
+        return all;
+    }();
     return rows;
+}
+
+// HbA1c, the one test of 0980 an order asks for, with the code InstrumentCode + its suffix.
+OrderItem HbA1c(const QString& instrumentCode) {
+    const Item0980& item = Items0980().front();
+    return {item.name.toString(), instrumentCode + item.suffix.toString()};
 }
 
 // 1660 and 1730. FERR stands twice (rows 34 and 188) and TG shares 4282 with TG-J: the first
@@ -253,7 +256,7 @@ const std::vector<OrderItem>& Rows1660() {
 const std::vector<OrderItem>& ItemNames() {
     static const std::vector<OrderItem> rows = [] {
         std::vector<OrderItem> all = Rows1190();
-        all.push_back({u"HbA1c"_s, u"0980010"_s});
+        all.push_back(HbA1c(u"0980"_s));
         return all;
     }();
     return rows;
@@ -278,7 +281,7 @@ ItemTable FillItemTable(OrderItems which) {
             PutItemCodes(table.rows);
             break;
         case OrderItems::Items0980:
-            table.rows = {{u"HbA1c"_s, Ctx().InstrumentCode + u"010"_s}};
+            table.rows = {HbA1c(Ctx().InstrumentCode)};
             PutItemCodes(table.rows);
             break;
         case OrderItems::Items1660:

@@ -63,21 +63,23 @@ TEST(ResultFileName, ExistingFileIsDeletedAndOnlyOneLevelIsMade) {
     EXPECT_TRUE(rooted.startsWith(u"\\2620-TN-"_s));
 }
 
-TEST(ResultRecordLine, NineteenFieldsAfterTheReset) {
+TEST(ResultRecordLine, NineteenFieldsFromTheResetWithTheValueCleaned) {
+    const ResultFields fields{.KensaDate = u"20250416"_s,
+                              .KensaTime = u"093000"_s,
+                              .InstrumentCode = u"2620"_s,
+                              .InstrumentName = u"眼圧計"_s,
+                              .ItemCode = u"0000123"_s,
+                              .ItemName = u"IOP"_s,
+                              .ResultValue = u"  <3.0 "_s,
+                              .ResultUnit = u"mmHg"_s};
+    EXPECT_EQ(ResultRecordLine(fields),
+              u"20250416,093000,0,0,2620,眼圧計,000000,0000123,IOP,,,,,＜3.0,mmHg,MIN,,,"_s);
+    // The RunContext form cleans the value in place and keeps the line in ResultLine.
     TestSite site;
-    Ctx().InstrumentName = u"眼圧計"_s;
-    ResetResultFields();
-    Ctx().KensaDate = u"20250416"_s;
-    Ctx().KensaTime = u"093000"_s;
-    Ctx().ItemCode = u"0000123"_s;
-    Ctx().ItemName = u"IOP"_s;
-    Ctx().ResultValue = u"  <3.0 "_s;
-    Ctx().ResultUnit = u"mmHg"_s;
+    Ctx().ResultValue = u">999 "_s;
     const QString line = ResultRecord();
-    EXPECT_EQ(line, u"20250416,093000,0,0,2620,眼圧計,000000,0000123,IOP,,,,,＜3.0,mmHg,MIN,,,"_s);
-    EXPECT_EQ(Ctx().ResultLine, line);
-    Ctx().ResultValue = u">999"_s;
-    EXPECT_TRUE(ResultRecord().contains(u",＞999,"_s));
+    EXPECT_EQ(line, u",,,,2620,,,,,,,,,＞999,,,,,"_s);
+    EXPECT_EQ(Ctx().ResultLine + Ctx().ResultValue, line + u"＞999"_s);
 }
 
 TEST(Delivery, MovesACompleteFileAndLeavesTheWorkFolderEmpty) {
@@ -91,7 +93,7 @@ TEST(Delivery, MovesACompleteFileAndLeavesTheWorkFolderEmpty) {
     ASSERT_TRUE(AppendLine(work, u"行2"_s));
 
     QString delivered;
-    EXPECT_EQ(DeliverWorkFile(work, &delivered), Delivery::Delivered);
+    EXPECT_EQ(DeliverWorkFile(work, FailedMove::Throws, &delivered), Delivery::Delivered);
     EXPECT_TRUE(Entries(site.native(u"wk"_s)).isEmpty());
     EXPECT_EQ(Entries(site.native(u"data"_s)),
               (QStringList{u"2620-TN-2025041609301600002~KVB.csv"_s}));
@@ -109,7 +111,7 @@ TEST(Delivery, AnEmptyWorkFileIsDeletedAndNothingIsDelivered) {
     QString work;
     MakeOutFile(Ctx().JyusinWKPath, work);
     ASSERT_TRUE(WriteNewText(work, QString()));
-    EXPECT_EQ(DeliverWorkFile(work), Delivery::Empty);
+    EXPECT_EQ(DeliverWorkFile(work, FailedMove::Throws), Delivery::Empty);
     EXPECT_FALSE(FileExists(work));
     EXPECT_FALSE(site.exists(u"data"_s));
     LogNoOutput();
@@ -125,7 +127,7 @@ TEST(Delivery, AFailedMoveThrowsAndKeepsTheWorkFile) {
     QString work;
     MakeOutFile(Ctx().JyusinWKPath, work);
     ASSERT_TRUE(AppendLine(work, u"x"_s));
-    EXPECT_THROW(DeliverWorkFile(work), RuntimeError);
+    EXPECT_THROW(DeliverWorkFile(work, FailedMove::Throws), RuntimeError);
     EXPECT_TRUE(FileExists(work));
 }
 

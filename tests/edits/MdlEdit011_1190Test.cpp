@@ -1,124 +1,99 @@
-// Result edit 1190 off its normal path, which Astm1190Test runs end to end.
+// Result edit 1190: the parse and the result lines from literal texts. The scenarios
+// (Astm1190Test) run the outer step with a result message and a query.
 
+#include "common/RuntimeError.h"
 #include "edits/MdlEdit011.h"
-
-#include "common/AnsiCodec.h"
-#include "common/Logging.h"
-#include "common/Paths.h"
-#include "common/RunContext.h"
-#include "edits/PieceFiles.h"
-#include "support/TestSite.h"
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-
 using namespace Qt::StringLiterals;
 using namespace orbline;
-using orbline::test::TestSite;
 
 namespace {
 
-struct Site : TestSite {
-    Site() {
-        Ctx().InstrumentCode = u"1190"_s;
-        Ctx().IniPrefix = u"XN"_s;
-        Ctx().OutIP = u"0"_s;
-        Ctx().JyusinWKPath = path(u"wk"_s);
-        Ctx().JyusinDataPath = path(u"data"_s);
-    }
-
-    // Saves ENQ, one frame per record and EOT as the dialogue saves its reads, runs the edit
-    // and returns "code,name,judge,value,unit,comment" of each line delivered.
-    QStringList Items(const QList<QByteArray>& records) const {
-        QList<QByteArray> reads{"\x05"};
-        for (qsizetype i = 0; i < records.size(); ++i) {
-            const QByteArray body = QByteArray::number((i + 1) % 8) + records[i] + "\r\x03";
-            unsigned sum = 0;
-            for (const char b : body) sum += static_cast<unsigned char>(b);
-            reads << "\x02" + body + QByteArray::number(sum % 256, 16).rightJustified(2, '0') +
-                         "\r\n";
-        }
-        reads << "\x04";
-        const QString folder = PieceFolder(u"c1190"_s);
-        if (!FolderExists(folder)) MakeFolder(folder);
-        for (qsizetype i = 0; i < reads.size(); ++i) {
-            Ctx().ReceiveBuffer.put(0, PortText(reads[i]));
-            BlockFileOut(folder, u"c1190"_s, u"%1"_s.arg(i + 1, 4, 10, QChar(u'0')));
-        }
-        QDir(native(u"data"_s)).removeRecursively();
-        EditResult1190(static_cast<std::int16_t>(reads.size()));
-        const QStringList files = QDir(native(u"data"_s)).entryList(QDir::Files);
-        QStringList items;
-        for (const QString& line :
-             DecodeAnsi(readFile(u"data/"_s + files.value(0))).split(u"\r\n"_s, Qt::SkipEmptyParts))
-            items << QStringList{line.section(u',', 7, 9), line.section(u',', 13, 14),
-                                 line.section(u',', 18)}
-                         .join(u',');
-        return items;
-    }
-};
+// "code,name,judge,value,unit,comment" of each line of the message's records.
+QStringList Items(const QStringList& records, const QString& outIp = u"0"_s) {
+    const QString lines = ResultLines1190(ParseMessage1190({records.join(u"\r\n"_s)}, {}),
+                                          {u"1190"_s, u"XN"_s, u"1"_s, {}, outIp});
+    QStringList items;
+    for (const QString& line : lines.split(u"\r\n"_s, Qt::SkipEmptyParts))
+        items << QStringList{line.section(u',', 7, 9), line.section(u',', 13, 14),
+                             line.section(u',', 18)}
+                     .join(u',');
+    return items;
+}
 
 }  // namespace
 
-TEST(Edit1190, FlagTexts) {
-    Site site;
-    const struct {
-        QByteArray flag;
-        QString judge, comment;
-    } cases[] = {{"H", u"H"_s, {}},
-                 {"L", u"L"_s, {}},
-                 {">", {}, u"直線性保証外"_s},
-                 {"A", {}, u"解析、ハードエラー"_s},
-                 {"W", {}, u"低信頼性"_s},
-                 {"HN", u"H"_s, {}},
-                 {"HL", {}, {}},
-                 {"N", {}, {}},
-                 {" L ", u"L"_s, {}}};
-    QList<QByteArray> records{"O|1||12^1^55|^^^^WBC"};
-    for (const auto& c : cases) records << "R|1|^^^^WBC^1|8.13|10*3/uL||" + c.flag + "||F";
-    const QStringList items = site.Items(records);
-    ASSERT_EQ(items.size(), std::size(cases));
-    for (std::size_t i = 0; i < std::size(cases); ++i)
-        EXPECT_EQ(items[i],
-                  u"1190010,WBC,"_s + cases[i].judge + u",8.13,10*3/uL,"_s + cases[i].comment)
-            << cases[i].flag.data();
+// The flag text without "N" sets the judge or the comment; the time of the first row stands
+// for every line.
+TEST(ResultLines1190, FlagTextsAndTheTimeOfTheFirstRow) {
+    const QStringList flags{u"H"_s, u"L"_s, u">"_s, u"A"_s, u"W"_s, u"HN"_s, u"HL"_s, u" L "_s};
+    QStringList records{u"O|1||12^1^55|^^^^WBC"_s, u"R|1|^^^^RBC^1|2.6|||||||||20240627135407"_s};
+    for (const QString& flag : flags) records << u"R|1|^^^^WBC^1|8.130|10*3/uL||"_s + flag;
+    QStringList judged;
+    for (const QString& item : Items(records).mid(1))
+        judged << item.section(u',', 2, 2) + item.section(u',', 5);
+    EXPECT_EQ(judged, (QStringList{u"H"_s, u"L"_s, u"直線性保証外"_s, u"解析、ハードエラー"_s,
+                                   u"低信頼性"_s, u"H"_s, u""_s, u"L"_s}));
+    EXPECT_EQ(Items(records).value(1), u"1190010,WBC,H,8.130,10*3/uL,"_s);
+
+    const QString lines = ResultLines1190(ParseMessage1190({records.join(u"\r"_s)}, {}),
+                                          {u"1190"_s, u"XN"_s, u"1"_s, {}, u"0"_s});
+    EXPECT_TRUE(lines.startsWith(u"20240627,135407,1,55,1190,XN,000012,1190020,RBC,"_s));
+    EXPECT_EQ(lines.count(u"20240627,135407,"_s), flags.size() + 1);
 }
 
 // An item that is not measured is dropped with OutIP "0"; with "1" a named flag becomes an item
 // of its group, valued by its own name, its unit and flag text dropped.
-TEST(Edit1190, OutIpForItemsThatAreNotMeasured) {
-    Site site;
-    const QList<QByteArray> records{"R|1|^^^^WBC^1|8.13|10*3/uL||N||F",
-                                    "R|2|^^^^Neutrophilia|x|10*3/uL||W||F", "R|3|^^^^Unknown|40",
-                                    "R|4|^^^^PLT_Clumps(S)?|0"};
+TEST(ResultLines1190, OutIpForItemsThatAreNotMeasured) {
+    const QStringList records{u"R|1|^^^^WBC^1|8.13|10*3/uL||N||F"_s,
+                              u"R|2|^^^^Neutrophilia|x|10*3/uL||W||F"_s, u"R|3|^^^^Unknown|40"_s,
+                              u"R|4|^^^^PLT_Clumps(S)?|0"_s};
     const QString wbc = u"1190010,WBC,,8.13,10*3/uL,"_s;
-    EXPECT_EQ(site.Items(records), QStringList{wbc});
-    Ctx().OutIP = u"1"_s;
-    EXPECT_EQ(site.Items(records), (QStringList{wbc, u"1190270,WBC Abnormal_3,,Neutrophilia,,"_s,
-                                                u"1190590,PLT Suspect_2,,PLT_Clumps(S)?,,"_s}));
+    EXPECT_EQ(Items(records), QStringList{wbc});
+    EXPECT_EQ(Items(records, u"1"_s), (QStringList{wbc, u"1190270,WBC Abnormal_3,,Neutrophilia,,"_s,
+                                                   u"1190590,PLT Suspect_2,,PLT_Clumps(S)?,,"_s}));
+    // A number with its point past position 32767 breaks the lines off, here before any line.
+    Message1190 broken;
+    broken.rows = {{u"WBC"_s, QString(32768, u'1') + u".5"_s, {}, {}, {}}};
+    bool lineBuilt = false;
+    EXPECT_THROW(ResultLines1190(broken, {}, &lineBuilt), RuntimeError);
+    EXPECT_FALSE(lineBuilt);
 }
 
-// Only the first O record with a number sets it. "・" (81 45) and the byte A0 come through the
-// code page as they would from the port.
-TEST(Edit1190, SampleNumberComesFromTheFirstOrderRecord) {
-    Site site;
-    site.Items(
-        {"O|1||12^1^ 0012B34M\x81\x45"
-         "5\xA0 ^B|^^^^WBC",
-         "O|2||7^1^999^B|^^^^RBC", "R|1|^^^^WBC^1|8.13"});
-    EXPECT_EQ(Ctx().SampleId, u"0012345"_s);
-    site.Items({"O|1||5^1^  ^B|", "O|2||5^1^889|", "R|1|^^^^WBC^1|8.13"});
-    EXPECT_EQ(Ctx().SampleId, u"889"_s);
+// Only the first O record with a number sets it. "・" and U+F8F0 (the byte A0) are taken out,
+// as they come through the code page from the port.
+TEST(Parse1190, SampleNumberComesFromTheFirstOrderRecord) {
+    EXPECT_EQ(ParseMessage1190({u"O|1||12^1^ 0012B34M・5\uF8F0 ^B|^^^^WBC\rO|2||7^1^999^B|"_s}, {})
+                  .sampleId,
+              u"0012345"_s);
+    EXPECT_EQ(ParseMessage1190({u"O|1||5^1^  ^B|\rO|2||5^1^889|"_s}, {}).sampleId, u"889"_s);
+    EXPECT_EQ(ParseMessage1190({u"O|1||5^1^889|\rO|2||5"_s}, {}).sampleId, u"0"_s);
+    EXPECT_EQ(ParseMessage1190({u"O|1||5^1^889|"_s}, {u"0"_s, u"F9"_s}).sampleId, u"F9"_s);
+    EXPECT_EQ(ParseMessage1190({u"O|1||5^1^889|"_s}, {u"2"_s, {}}).sampleId, u""_s);
 }
 
-TEST(Edit1190, RowsPastAHundredAreLost) {
-    Site site;
-    QList<QByteArray> records;
-    for (int i = 1; i <= 102; ++i)
-        records << "R|" + QByteArray::number(i) + "|^^^^PLT^1|" + QByteArray::number(i);
-    const QStringList items = site.Items(records);
-    EXPECT_EQ(Ctx().RecordCount, 102);
-    ASSERT_EQ(items.size(), 100);
-    EXPECT_EQ(items.last(), u"1190080,PLT,,100,,"_s);
+// The last of Q and R records decides: an R record after a query makes a result message. A
+// component of a later Q record overwrites only when present.
+TEST(Parse1190, AQueryAndItsComponents) {
+    const Message1190 m = ParseMessage1190({u"H|\\^&\rQ|1|3^2^ 0387 ^B||ALL\rQ|2|^^\rL|1"_s}, {});
+    ASSERT_TRUE(m.query.has_value());
+    EXPECT_EQ((QStringList{m.query->key, m.query->third, m.query->first, m.query->second}),
+              (QStringList{u""_s, u""_s, u""_s, u""_s}));
+    const Message1190 kept = ParseMessage1190({u"Q|1|3^2^ 0387 ^B\rQ|2|9"_s}, {});
+    ASSERT_TRUE(kept.query.has_value());
+    EXPECT_EQ(
+        (QStringList{kept.query->key, kept.query->third, kept.query->first, kept.query->second}),
+        (QStringList{u"0387"_s, u" 0387 "_s, u"9"_s, u"2"_s}));
+    EXPECT_FALSE(ParseMessage1190({u"Q|1|3^2^0387\rR|1|^^^^WBC|1"_s}, {}).query.has_value());
+    EXPECT_TRUE(ParseMessage1190({u"R|1|^^^^WBC|1\rQ|1|3^2^0387"_s}, {}).query.has_value());
+}
+
+TEST(Parse1190, RowsPastAHundredAreLost) {
+    QStringList records;
+    for (int i = 1; i <= 102; ++i) records << u"R|%1|^^^^PLT^1|%1"_s.arg(i);
+    const Message1190 m = ParseMessage1190({records.join(u"\r"_s)}, {});
+    ASSERT_EQ(m.rows.size(), kMaxRows1190);
+    EXPECT_EQ(m.rows.back().value, u"100"_s);
 }

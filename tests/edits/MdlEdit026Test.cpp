@@ -37,22 +37,12 @@ QStringList Entries(const TestSite& site, const QString& folder) {
     return QDir(site.native(folder)).entryList(QDir::Files, QDir::Name);
 }
 
-// The lines of the one delivered file.
-QStringList DeliveredLines(const TestSite& site) {
-    const QStringList files = Entries(site, kDataFolder);
-    if (files.size() != 1) return {u"<%1 files delivered>"_s.arg(files.size())};
-    QString text = DecodeAnsi(site.readFile(kDataFolder + u"/"_s + files.first()));
-    if (!text.endsWith(u"\r\n"_s)) return {u"<no final CR LF>"_s};
-    text.chop(2);
-    return text.split(u"\r\n"_s);
-}
-
 QString MainLog(const TestSite& site) {
     return DecodeAnsi(site.readFile(u"Tesvane2620.log"_s));
 }
 
 ScanInputs2620 DefaultInputs() {
-    return {false, u"20990101"_s, u"0"_s, QString()};
+    return {false, u"20990101"_s, {u"0"_s, {}}};
 }
 
 std::vector<Row2620> Scan(const QStringList& blocks, const ScanInputs2620& inputs) {
@@ -109,7 +99,7 @@ TEST(Edit2620FtLayout, TomeyLineSetsSampleDateAndTimeAndOnlyTrTlLinesGiveRows) {
 
 TEST(Edit2620SampleNumber, LeadingZerosGoAsTextAndTheFixedNumberWins) {
     const auto sampleOf = [](const QString& line, const QString& idEntry, const QString& fixed) {
-        const ScanInputs2620 in{false, u"20990101"_s, idEntry, fixed};
+        const ScanInputs2620 in{false, u"20990101"_s, {idEntry, fixed}};
         const std::vector<Row2620> rows =
             Scan({line + u"\r[C.IOP]        mmHg\r   14       15\r"_s}, in);
         return rows.empty() ? u"<no row>"_s : rows.front().sampleId;
@@ -123,10 +113,10 @@ TEST(Edit2620SampleNumber, LeadingZerosGoAsTextAndTheFixedNumberWins) {
     EXPECT_EQ(sampleOf(u"No.:00123"_s, u"2"_s, QString()), QString());
     EXPECT_EQ(sampleOf(u"No.:00123"_s, u"0"_s, u"F9"_s), u"F9"_s);
 
-    ScanInputs2620 ft{true, u"20990101"_s, u"2"_s, QString()};
+    ScanInputs2620 ft{true, u"20990101"_s, {u"2"_s, {}}};
     EXPECT_EQ(Scan({u"TOMEY       00123 25.04.16 09:30\rTR15\r"_s}, ft).front().sampleId,
               QString());
-    ft.idEntry = u"0"_s;
+    ft.sampleRule.idEntry = u"0"_s;
     EXPECT_EQ(Scan({u"TOMEY       A12    25.04.16 09:30\rTR15\r"_s}, ft).front().sampleId,
               u"A12   "_s);
     EXPECT_EQ(Scan({u"TOMEY\rTR15\r"_s}, ft).front().sampleId, u"0"_s);
@@ -157,18 +147,16 @@ TEST(Edit2620DefaultLayout, DatesSectionsAndTheColumnsOfValueLines) {
     EXPECT_EQ(rows.front().value, u" 14  "_s);
 }
 
-TEST(Edit2620Edit, ValuesAreFormattedByTheirOwnShapeAndEmptyOnesSkipped) {
-    TestSite site;
-    PrepareSite(site);
-    Ctx().FT01Format = u"2"_s;  // anything but "1" is the default layout
-    LoadBlocks({u"No.:7\r[C.IOP]        mmHg\r   0        08\r   15.0     <5\r"_s});
-    EditResult2620();
-    const QString sample = u"20250416,,7"_s;
-    EXPECT_EQ(DeliveredLines(site),
+// A plain "0" formats to nothing and is still written; a row without a value is not.
+TEST(ResultLines2620, ValuesAreFormattedByTheirOwnShapeAndEmptyOnesSkipped) {
+    const std::vector<Row2620> rows =
+        Scan({u"No.:7\r[C.IOP]        mmHg\r   0        08\r   15.0     <5\r"_s}, DefaultInputs());
+    const QString sample = u"20990101,,7"_s;
+    EXPECT_EQ(ResultLines2620(rows, {u"2620"_s, u"眼圧計"_s, u"1"_s, {}, {}}).split(u"\r\n"_s),
               (QStringList{Record(sample, u"2620030,C.IOP-R"_s, u",mmHg"_s),
                            Record(sample, u"2620040,C.IOP-L"_s, u"8,mmHg"_s),
                            Record(sample, u"2620030,C.IOP-R"_s, u"15.0,mmHg"_s),
-                           Record(sample, u"2620040,C.IOP-L"_s, u"＜5,mmHg"_s)}));
+                           Record(sample, u"2620040,C.IOP-L"_s, u"＜5,mmHg"_s), QString()}));
 }
 
 TEST(Edit2620Edit, NothingToReportLogsNoOutputAndLeavesNoFile) {
@@ -180,7 +168,9 @@ TEST(Edit2620Edit, NothingToReportLogsNoOutputAndLeavesNoFile) {
     EXPECT_FALSE(site.exists(kDataFolder));
     EXPECT_FALSE(site.exists(kWorkFolder));
 
-    // Rows that are all empty make a file that is deleted rather than delivered.
+    // Rows that are all empty make a file that is deleted rather than delivered. Any FT01Format
+    // but "1" reads the default layout, where the section gives the rows.
+    Ctx().FT01Format = u"2"_s;
     LoadBlocks({u"[C.IOP]\r\r"_s});
     EditResult2620();
     EXPECT_TRUE(MainLog(site).contains(u"Size=0のため出力なし -- "_s));
@@ -188,7 +178,9 @@ TEST(Edit2620Edit, NothingToReportLogsNoOutputAndLeavesNoFile) {
     EXPECT_FALSE(site.exists(kDataFolder));
 }
 
-TEST(Edit2620DeathTest, ARowPastAHundredEndsTheProcessBeforeAnyFile) {
+// A row past a hundred ends the process before any file; a failed delivery leaves the work
+// file, and the log line shows the run mark of the lines written.
+TEST(Edit2620DeathTest, AnErrorEndsTheProcess) {
     TestSite site;
     PrepareSite(site);
     LoadBlocks({u"[C.IOP]        mmHg\r"_s + u"   14       15\r"_s.repeated(51)});
@@ -196,19 +188,13 @@ TEST(Edit2620DeathTest, ARowPastAHundredEndsTheProcessBeforeAnyFile) {
     EXPECT_TRUE(MainLog(site).contains(u"プログラム異常終了 -- 【 "_s +
                                        errors::SubscriptOutOfRange() + u" 】2620-0-0:"_s));
     EXPECT_FALSE(site.exists(kDataFolder) || site.exists(kWorkFolder));
-}
 
-TEST(Edit2620DeathTest, AFailedDeliveryEndsTheProcessAndLeavesTheWorkFile) {
-    TestSite site;
-    PrepareSite(site);
     Ctx().JyusinDataPath = site.path(u"no\\such\\folder"_s);
-    LoadBlocks({u"[C.IOP]        mmHg\r   14       15\r"_s});
+    LoadBlocks({u"No.:7\r[C.IOP]        mmHg\r   14       15\r"_s});
     EXPECT_EXIT(EditResult2620(), ::testing::ExitedWithCode(1), "");
-    const QStringList left = Entries(site, kWorkFolder);
-    ASSERT_EQ(left.size(), 1);
-    EXPECT_TRUE(DecodeAnsi(site.readFile(kWorkFolder + u"/"_s + left.first()))
-                    .startsWith(Record(u"20250416,,"_s, u"2620030,C.IOP-R"_s, u"14,mmHg"_s)));
-    EXPECT_TRUE(MainLog(site).contains(u"プログラム異常終了 -- 【 "_s + errors::PathNotFound()));
+    EXPECT_EQ(Entries(site, kWorkFolder).size(), 1);
+    EXPECT_TRUE(MainLog(site).contains(u"プログラム異常終了 -- 【 "_s + errors::PathNotFound() +
+                                       u" 】2620-7-1:"_s));
 }
 
 // Any bytes a broken line can bring give rows or, past a hundred rows, the error exit's

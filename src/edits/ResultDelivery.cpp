@@ -1,0 +1,24 @@
+#include "edits/ResultDelivery.h"
+
+#include "common/ResultFile.h"
+#include "common/RunContext.h"
+#include "common/RuntimeError.h"
+#include "common/TextFile.h"
+
+namespace orbline {
+
+void WriteAndDeliver(const QString& lines, DeliveryNames names) {
+    QString workPath;
+    PassOver([&] { MakeOutFile(Ctx().JyusinWKPath, workPath); });
+    PassOver([&] {
+        // The file exists even with no line in it: delivery then deletes it.
+        if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
+    });
+    if (names == DeliveryNames::OneBurnt) {
+        QString unusedName;
+        PassOver([&] { MakeOutFile(Ctx().JyusinDataPath, unusedName); });
+    }
+    PassOver([&] { DeliverWorkFile(workPath, FailedMove::PassedOver); });
+}
+
+}  // namespace orbline

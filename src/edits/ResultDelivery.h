@@ -1,0 +1,17 @@
+#pragma once
+// The write and delivery of a result file for the edits that pass their errors over (0980,
+// 1190): every step that fails has no effect, and the next one runs.
+
+#include <QString>
+
+namespace orbline {
+
+// How many delivery names an edit asks for: the 0980 edit asks for one before it looks at the
+// size, so each of its deliveries uses up one serial more.
+enum class DeliveryNames { One, OneBurnt };
+
+// The result lines into a new work file and on to the delivery folder; an empty file is deleted
+// there. A move that fails leaves the work file and still logs "出力完了(Write) -- ".
+void WriteAndDeliver(const QString& lines, DeliveryNames names);
+
+}  // namespace orbline

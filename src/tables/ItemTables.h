@@ -1,0 +1,29 @@
+#pragma once
+// The built-in item tables that both the result edits and the order intake read, so that a
+// code in an order and the code in a result come from one row.
+
+#include <QStringView>
+
+#include <span>
+
+namespace orbline {
+
+// An item of the glycohaemoglobin analyser 0980. Its code is InstrumentCode + suffix: "0980010"
+// for HbA1c.
+struct Item0980 {
+    QStringView name;
+    QStringView suffix;
+};
+// The 16 items; the setting HbA1c has no part in them. HbA1c comes first: it is the one test an
+// order file can ask for.
+std::span<const Item0980> Items0980();
+
+// A measured item of the haematology analyser 1190.
+struct MeasuredItem1190 {
+    QStringView name;
+    QStringView code;
+};
+// The 24 measured items, positions 1 to 24.
+std::span<const MeasuredItem1190> MeasuredItems1190();
+
+}  // namespace orbline
