@@ -9,7 +9,7 @@
 #include "common/Numbers.h"
 #include "common/RunContext.h"
 #include "common/Text.h"
-#include "tables/MdlOption.h"
+#include "dialogues/Instruments.h"
 
 using namespace Qt::StringLiterals;
 
@@ -58,8 +58,10 @@ void RunLoadEventStart(const QString& commandLine) {
     ctx.OrderTable.clear();
     ctx.OrderRowCount = 0;
 
-    // The only table read at launch; 2140 and 2990 load theirs in the start command.
-    if (ctx.InstrumentCode == u"1730"_s) LoadData1730();
+    // The tables of some instruments are read here, others' in the start command.
+    if (const Instrument* instrument = FindInstrument(ctx.InstrumentCode);
+        instrument != nullptr && instrument->loadAtLaunch != nullptr)
+        instrument->loadAtLaunch();
 
     f.Timer1Enabled = false;
     f.Timer2Enabled = false;

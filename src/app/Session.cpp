@@ -2,7 +2,6 @@
 
 #include "app/AwIni.h"
 #include "app/CloseRequest.h"
-#include "app/Dispatch.h"
 #include "app/Settings.h"
 #include "common/Diagnostics.h"
 #include "common/FixedReply.h"
@@ -12,9 +11,9 @@
 #include "common/Numbers.h"
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
+#include "dialogues/Instruments.h"
 #include "serial/AwComm.h"
 #include "serial/PortError.h"
-#include "tables/MdlOption.h"
 
 using namespace Qt::StringLiterals;
 
@@ -160,17 +159,17 @@ void Cmd_Open() {
         f.comboDelimiter.position = *position;
     ReadOtherSettings(ini);
     ReadInstrumentOnlySettings(ini);
-    if (c.InstrumentCode == u"2140"_s) LoadOption2140();
-    if (c.InstrumentCode == u"2990"_s) LoadKensaKomoku2990();
+    const Instrument* instrument = FindInstrument(c.InstrumentCode);
+    if (instrument != nullptr && instrument->loadAtStart != nullptr) instrument->loadAtStart();
 
     ShowLineStates();
     BuildCodeTables();
     SetConnected(true);
 
-    if (const Dialogue dialogue = DialogueOf(c.InstrumentCode)) {
+    if (instrument != nullptr && instrument->dialogue != nullptr) {
         c.LoopCount = u"0"_s;
         c.LoopMode = 2;
-        dialogue();
+        instrument->dialogue();
         return;
     }
     // The port is already open when the code turns out to be unknown.

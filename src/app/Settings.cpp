@@ -3,6 +3,7 @@
 #include "app/AwIni.h"
 #include "common/Numbers.h"
 #include "common/RunContext.h"
+#include "dialogues/Instruments.h"
 
 using namespace Qt::StringLiterals;
 
@@ -86,7 +87,9 @@ void ReadOtherSettings(const AwIni& ini) {
 }
 
 void ReadInstrumentOnlySettings(const AwIni& ini) {
-    if (Ctx().InstrumentCode == u"2620"_s) Ctx().FT01Format = Read(ini, u"FT01Format"_s, u"0"_s);
+    const Instrument* instrument = FindInstrument(Ctx().InstrumentCode);
+    if (instrument != nullptr && instrument->readsFT01Format)
+        Ctx().FT01Format = Read(ini, u"FT01Format"_s, u"0"_s);
 }
 
 void ReadSettings(const AwIni& ini) {

@@ -1,5 +1,6 @@
 #include "common/Clock.h"
 
+#include <QElapsedTimer>
 #include <QThread>
 
 #include <cmath>
@@ -128,8 +129,20 @@ int ScaledMilliseconds(int milliseconds) {
 }
 
 void Sleep(int milliseconds) {
-    const int scaled = ScaledMilliseconds(milliseconds);
-    if (scaled > 0) QThread::msleep(static_cast<unsigned long>(scaled));
+    SleepScaled(ScaledMilliseconds(milliseconds));
+}
+
+void SleepScaled(std::int64_t milliseconds) {
+    if (milliseconds > 0) QThread::msleep(static_cast<unsigned long>(milliseconds));
+}
+
+std::int64_t MonotonicMs() {
+    static const QElapsedTimer started = [] {
+        QElapsedTimer timer;
+        timer.start();
+        return timer;
+    }();
+    return started.elapsed();
 }
 
 }  // namespace orbline

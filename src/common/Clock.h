@@ -6,6 +6,8 @@
 #include <QDateTime>
 #include <QString>
 
+#include <cstdint>
+
 namespace orbline {
 
 QDateTime Now();
@@ -20,6 +22,10 @@ QString NowText(const QString& pattern);
 
 // A protocol wait, scaled for tests. Blocks the thread; yields nothing.
 void Sleep(int milliseconds);
+// A wait the caller has already scaled.
+void SleepScaled(std::int64_t milliseconds);
+// Milliseconds of a clock that only goes forward, for the read windows of the dialogues.
+std::int64_t MonotonicMs();
 int ScaledMilliseconds(int milliseconds);
 double TimeScale();
 

@@ -45,34 +45,35 @@ QByteArray TokensToBytes(const QString& text, bool hexadecimal) {
     return bytes;
 }
 
-// The hexadecimal text of a fixed reply; codes outside the table keep SendBytes as it is.
-QByteArray FixedReplyText(std::int16_t code) {
-    switch (code) {
-        case 1:
+// The hexadecimal text of a fixed reply; a prepared frame keeps SendBytes as it is.
+QByteArray FixedReplyText(FixedReply reply) {
+    switch (reply) {
+        case FixedReply::FrameAccepted:
             return "02 06 30 43 41 03";
-        case 2:
+        case FixedReply::FrameRefused:
             return "02 15 30 42 42 03";
-        case 3:
+        case FixedReply::FrameD0nsd:
             return "02 44 30 4E 53 44 41 37 03";
-        case 5:
+        case FixedReply::Ack:
             return "06";
-        case 6:
+        case FixedReply::Nak:
             return "15";
-        case 7:
+        case FixedReply::Enq:
             return "05";
-        case 8:
+        case FixedReply::Eot:
             return "04";
-        case 10:
+        case FixedReply::Positive:
             return "02 3E 03";
-        case 11:
+        case FixedReply::Negative:
             return "02 3F 03";
-        case 12:
+        case FixedReply::AckCr:
             return "06 0D";
-        case 13:
+        case FixedReply::NakCr:
             return "15 0D";
-        default:
-            return Ctx().SendBytes;
+        case FixedReply::Prepared:
+            break;
     }
+    return Ctx().SendBytes;
 }
 
 }  // namespace
@@ -100,11 +101,11 @@ std::int32_t GetByteArrayLength(const QByteArray& bytes) {
     return static_cast<std::int32_t>(bytes.size());
 }
 
-void SendFixedReply(std::int16_t code) {
+void SendFixedReply(FixedReply reply) {
     try {
         RunContext& c = Ctx();
         Form_TesvaneMain& f = Form();
-        c.SendBytes = FixedReplyText(code);
+        c.SendBytes = FixedReplyText(reply);
         const QByteArray bytes =
             ConvertToBinary(QString::fromLatin1(c.SendBytes), f.comboModeW.position);
         f.sendBytes.bytes = bytes;

@@ -15,9 +15,25 @@ namespace orbline {
 QByteArray ConvertToBinary(const QString& text, qsizetype mode);
 std::int32_t GetByteArrayLength(const QByteArray& bytes);
 
-// Sets SendBytes from the table (or keeps it), writes it to the port through the send pane,
-// yields once and empties the pane. A run-time error in it ends the process.
-void SendFixedReply(std::int16_t code);
+// The fixed replies, with the numbers of their table.
+enum class FixedReply : std::int16_t {
+    FrameAccepted = 1,  // STX ACK "0" "CA" ETX
+    FrameRefused = 2,   // STX NAK "0" "BB" ETX
+    FrameD0nsd = 3,     // STX "D0NSD" "A7" ETX, sent by no dialogue
+    Prepared = 4,       // SendBytes as a dialogue prepared it
+    Ack = 5,
+    Nak = 6,
+    Enq = 7,
+    Eot = 8,
+    Positive = 10,  // STX ">" ETX
+    Negative = 11,  // STX "?" ETX
+    AckCr = 12,
+    NakCr = 13,
+};
+// Sets SendBytes from the table (Prepared, or a number outside the table, keeps it), writes it
+// to the port through the send pane, yields once and empties the pane. A run-time error in it
+// ends the process.
+void SendFixedReply(FixedReply reply);
 
 // CTS and DSR of the port into their labels, when the port object exists.
 void ShowLineStates();

@@ -20,6 +20,15 @@ namespace orbline {
 
 class AwComm;
 
+// What a dialogue keeps from one session of the process to the next (a stop and a start), as
+// the form's own fields kept it: each dialogue derives its memory from this.
+struct DialogueMemory {
+    DialogueMemory() = default;
+    DialogueMemory(const DialogueMemory&) = delete;
+    DialogueMemory& operator=(const DialogueMemory&) = delete;
+    virtual ~DialogueMemory() = default;
+};
+
 // A drop-down list: its entries and the selected position. The position survives a session,
 // because a setting that matches no entry leaves the list where it was.
 struct ListControl {
@@ -109,10 +118,8 @@ struct Form_TesvaneMain {
     bool Timer2Enabled = false;
     std::int32_t byteCounter = 0;
 
-    // Order phase of the frame dialogues: the key of the query being answered, and the whole
-    // text of an order record that needs two frames.
-    QString QuerySampleId;
-    QString LongRecord;
+    // The running dialogue's memory; see MemoryOf.
+    std::unique_ptr<DialogueMemory> dialogueMemory;
 
     // Code tables of the panes, built by the start command: two hexadecimal digits, three
     // decimal digits, and the character (HiddenChar for 0 and 128 to 255).
@@ -126,6 +133,15 @@ struct Form_TesvaneMain {
 };
 
 Form_TesvaneMain& Form();
+
+// The form's memory of the dialogue of type T, made on first use. A process runs one dialogue,
+// so the slot never changes type but in tests.
+template <typename T>
+T& MemoryOf() {
+    std::unique_ptr<DialogueMemory>& slot = Form().dialogueMemory;
+    if (dynamic_cast<T*>(slot.get()) == nullptr) slot = std::make_unique<T>();
+    return static_cast<T&>(*slot);
+}
 void ResetForm();
 
 // The two pane arrays, erased by a dialogue at each receive.

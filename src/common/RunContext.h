@@ -96,31 +96,10 @@ struct RunContext {
     QString Extra3;
     QString ResultComment;
 
-    BoundedTable RecordFields{100, 100};
-    std::int16_t RecordCount = 0;
-    QString QueryMark0980;
-    QString QueryMark1160;
-    QString QueryMark1190;
-    QString EditMode;
-    QString EditMode1730;
-    QString EchoSender;
-    QString EchoVersion;
-    QString RecordStage1730;
-    BoundedArray<QString> JyusinBuf{100};
-    std::int16_t JyusinCnt2140 = 0;
-    std::int16_t JyusinCnt2990 = 0;
-    BoundedArray<QString> RawBlockList{5000};
-    std::int16_t RawBlockCount = 0;
-    QString BlockEnd1671;
-    // Every frame the full frame check saw in this run, from element 1.
-    BoundedArray<QString> FrameHistory0990{1000};
-    std::int32_t FrameHistoryCount0990 = 0;
-    std::int16_t PressureRowCount = 0;
     BoundedArray<QString> ItemNames{500};
     BoundedArray<QString> ItemCodes{500};
     BoundedArray<QString> ItemUnits{500};
     std::int16_t ItemCount = 0;
-    std::int16_t ItemCount1650 = 0;
     BoundedTable OptionTable2140{1000, 10};
     std::int16_t OptionCount2140 = 0;
     BoundedTable KensaKomokuTable2990{1000, 10};

@@ -7,21 +7,13 @@
 
 namespace orbline {
 
-void YieldAndWait() {
+bool NextCycleHasBytes() {
     YieldToEvents();
     Sleep(10);
-}
-
-bool PortHasBytes() {
     Form_TesvaneMain& f = Form();
     // A stop that ran in the yield has closed the port; the loop notices it through Connected.
     if (!f.Connected) return false;
     return f.comm().ReadBufferDataSize() >= 1;
-}
-
-bool NextCycleHasBytes() {
-    YieldAndWait();
-    return PortHasBytes();
 }
 
 }  // namespace orbline

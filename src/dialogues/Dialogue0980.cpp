@@ -1,9 +1,7 @@
 #include "dialogues/Dialogue0980.h"
 
-#include "common/Form.h"
 #include "common/Text.h"
 #include "dialogues/AstmLoop.h"
-#include "edits/MdlEdit009.h"
 #include "orders/OrderIntake.h"
 #include "orders/OrderLookups.h"
 
@@ -13,68 +11,83 @@ namespace orbline {
 
 namespace {
 
-QString FrameNoText(const AstmLoopState& s) {
-    return QString::number(s.FrameNo);
+struct Memory0980 final : AstmMemory {
+    Query0980 query;
+    // The header fields the answer echoes: the last ones a message carried.
+    Echo0980 echo;
+};
+
+Memory0980& Memory() {
+    return MemoryOf<Memory0980>();
 }
 
-QString Query(qsizetype column) {
-    return Ctx().RecordFields.get(0, column).value_or(QString());
+AstmMemory& AsAstmMemory() {
+    return Memory();
 }
 
-QString Patient0980(const AstmLoopState& s) {
-    return FrameNoText(s) + u"P|1@"_s;
+bool Edit0980(std::int16_t pieceCount) {
+    const Message0980 message = EditResult0980(pieceCount);
+    Memory0980& memory = Memory();
+    if (message.echoSender) memory.echo.sender = *message.echoSender;
+    if (message.echoVersion) memory.echo.version = *message.echoVersion;
+    if (!message.query) return false;
+    memory.query = *message.query;
+    return true;
 }
 
-QString Terminator0980(const AstmLoopState& s) {
-    return FrameNoText(s) + u"L|1|N@"_s;
-}
-
-void Lookup0980(AstmLoopState& s) {
-    Form_TesvaneMain& f = Form();
-    f.QuerySampleId = Trim(Query(20));
-    s.answer.patientId.clear();
-    s.answer.sex.clear();
+OrderAnswer Lookup0980(const OrderAnswer& previous) {
+    OrderAnswer answer = previous;
+    // The lookup leaves these as they are when no order is found: a specimen without an order
+    // must not carry the patient of the query before.
+    answer.patientId.clear();
+    answer.sex.clear();
     // The lookup takes the "-" out of the key; the order record echoes the key as it came.
-    LookupOrder0980(f.QuerySampleId, s.answer.kana, s.answer.test, u"0980"_s, s.answer.patientId,
-                    s.answer.sex);
+    QString key = Trim(Memory().query.key);
+    LookupOrder0980(key, answer.kana, answer.test, u"0980"_s, answer.patientId, answer.sex);
+    return answer;
 }
 
-void Edit0980(AstmLoopState& s) {
-    EditResult0980(s.PieceCount);
+QString Record(RecordKind kind, const QString& frameNo, const OrderAnswer& answer) {
+    const Memory0980& memory = Memory();
+    return Record0980(memory.query, memory.echo, kind, frameNo, answer);
 }
+
+constexpr OrderPoller kPollers[] = {{&RunContext::OrderPath, 1000, &TakeOrders0980}};
 
 const AstmDialogue kDialogue0980{
     .folder = u"c980",
     .prefix = u"c980",
-    .queryMark = &RunContext::QueryMark0980,
-    .pollEvery = 1000,
-    .takeOrders = &TakeOrders0980,
+    .memory = &AsAstmMemory,
+    .pollers = kPollers,
     .checkReceive = &CheckReceive0980,
     .checkReply = &CheckReply0980,
     .edit = &Edit0980,
-    .ackEotPiece = false,
-    .header = &Header0980,
-    .patient = &Patient0980,
-    .order = &Order0980,
-    .terminator = &Terminator0980,
-    .recordEnd = FrameEnd::Etb,
     .lookup = &Lookup0980,
-    .lookupAt = LookupPoint::BeforePatient,
-    .retry = RetryRule::RepeatFrame,
+    .record = &Record,
+    .answer = {.recordEnd = FrameEnd::Etb,
+               .lookupAt = LookupPoint::BeforePatient,
+               .retry = RetryRule::RepeatFrame},
 };
 
 }  // namespace
 
-QString Header0980(const AstmLoopState& s, bool repeated) {
-    const RunContext& c = Ctx();
-    // A repeated header has a blank behind the sender: the instrument has always seen it so.
-    return FrameNoText(s) + u"H|$^&|||"_s + c.EchoSender +
-           (repeated ? u" |||||||||"_s : u"|||||||||"_s) + c.EchoVersion + u"@"_s;
-}
-
-QString Order0980(const AstmLoopState& s) {
-    return FrameNoText(s) + u"O|1|"_s + Query(20) + u"^"_s + Query(23) + u"^"_s + Query(22) +
-           u"||^^^"_s + s.answer.test + u"|R||||||||||@"_s;
+QString Record0980(const Query0980& query, const Echo0980& echo, RecordKind kind,
+                   const QString& frameNo, const OrderAnswer& answer) {
+    switch (kind) {
+        case RecordKind::Header:
+            return frameNo + u"H|$^&|||"_s + echo.sender + u"|||||||||"_s + echo.version + u"@"_s;
+        case RecordKind::RepeatedHeader:
+            // A blank behind the sender: the instrument has always seen a repeated header so.
+            return frameNo + u"H|$^&|||"_s + echo.sender + u" |||||||||"_s + echo.version + u"@"_s;
+        case RecordKind::Patient:
+            return frameNo + u"P|1@"_s;
+        case RecordKind::Order:
+            return frameNo + u"O|1|"_s + query.key + u"^"_s + query.second + u"^"_s + query.third +
+                   u"||^^^"_s + answer.test + u"|R||||||||||@"_s;
+        case RecordKind::Terminator:
+            return frameNo + u"L|1|N@"_s;
+    }
+    return {};
 }
 
 void BeginCommLoop0980() {

@@ -1,6 +1,5 @@
 #include "dialogues/Dialogue1160.h"
 
-#include "common/Form.h"
 #include "dialogues/AstmLoop.h"
 #include "edits/MdlEdit011.h"
 #include "orders/OrderLookups.h"
@@ -11,61 +10,67 @@ namespace orbline {
 
 namespace {
 
-QString FrameNoText(const AstmLoopState& s) {
-    return QString::number(s.FrameNo);
+struct Memory1160 final : AstmMemory {
+    QString queryKey;
+};
+
+Memory1160& Memory() {
+    return MemoryOf<Memory1160>();
 }
 
-QString Header1160(const AstmLoopState& s, bool /*repeated: a refused frame is not repeated*/) {
-    return FrameNoText(s) + u"H|\\^&@"_s;
+AstmMemory& AsAstmMemory() {
+    return Memory();
 }
 
-QString Patient1160(const AstmLoopState& s) {
-    return FrameNoText(s) + u"P|1||||^|||@"_s;
+bool Edit1160(std::int16_t pieceCount) {
+    const Message1160 message = EditResult1160(pieceCount);
+    Memory().queryKey = message.queryKey.value_or(QString());
+    return message.queryKey.has_value();
 }
 
-QString Terminator1160(const AstmLoopState& s) {
-    return FrameNoText(s) + u"L|1@"_s;
+OrderAnswer Lookup1160(const OrderAnswer& previous) {
+    OrderAnswer answer = previous;
+    answer.test.clear();
+    LookupOrder1160(Memory().queryKey, u"1160"_s, answer.test);
+    return answer;
 }
 
-void Lookup1160(AstmLoopState& s) {
-    Form().QuerySampleId = s.QueryKey;
-    s.answer.test.clear();
-    LookupOrder1160(Form().QuerySampleId, u"1160"_s, s.answer.test);
-}
-
-void Edit1160(AstmLoopState& s) {
-    // The flag never outlives its message here.
-    s.QueryKey.clear();
-    s.EotFlag = 0;
-    s.QueryKey = EditResult1160(s.PieceCount).queryKey.value_or(QString());
+QString Record(RecordKind kind, const QString& frameNo, const OrderAnswer& answer) {
+    return Record1160(Memory().queryKey, kind, frameNo, answer);
 }
 
 const AstmDialogue kDialogue1160{
     .folder = u"c1160",
     .prefix = u"c1160",
-    .queryMark = &RunContext::QueryMark1160,
+    .memory = &AsAstmMemory,
     .clearsMarkOnEntry = true,
-    .pollEvery = 0,
-    .takeOrders = nullptr,
     .checkReceive = &CheckReceive1160,
     .checkReply = &CheckReply1160,
+    .clearsEotBeforeEdit = true,
     .edit = &Edit1160,
-    .ackEotPiece = false,
-    .header = &Header1160,
-    .patient = &Patient1160,
-    .order = &Order1160,
-    .terminator = &Terminator1160,
-    .recordEnd = FrameEnd::Etx,
     .lookup = &Lookup1160,
-    .lookupAt = LookupPoint::AfterHeader,
-    .retry = RetryRule::AskAgain,
+    .record = &Record,
+    .answer = {.recordEnd = FrameEnd::Etx,
+               .lookupAt = LookupPoint::AfterHeader,
+               .retry = RetryRule::AskAgain},
 };
 
 }  // namespace
 
-QString Order1160(const AstmLoopState& s) {
-    return FrameNoText(s) + u"O|1|"_s + Form().QuerySampleId + u"||"_s + s.answer.test +
-           u"|||||||||||Sp.1@"_s;
+QString Record1160(const QString& queryKey, RecordKind kind, const QString& frameNo,
+                   const OrderAnswer& answer) {
+    switch (kind) {
+        case RecordKind::Header:
+        case RecordKind::RepeatedHeader:  // a refused frame is not repeated here
+            return frameNo + u"H|\\^&@"_s;
+        case RecordKind::Patient:
+            return frameNo + u"P|1||||^|||@"_s;
+        case RecordKind::Order:
+            return frameNo + u"O|1|"_s + queryKey + u"||"_s + answer.test + u"|||||||||||Sp.1@"_s;
+        case RecordKind::Terminator:
+            return frameNo + u"L|1@"_s;
+    }
+    return {};
 }
 
 void BeginCommLoop1160() {

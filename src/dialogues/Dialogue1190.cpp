@@ -1,10 +1,8 @@
 #include "dialogues/Dialogue1190.h"
 
 #include "common/Clock.h"
-#include "common/Form.h"
 #include "common/Text.h"
 #include "dialogues/AstmLoop.h"
-#include "edits/MdlEdit011.h"
 #include "orders/OrderIntake.h"
 #include "orders/OrderLookups.h"
 
@@ -14,73 +12,91 @@ namespace orbline {
 
 namespace {
 
-QString FrameNoText(const AstmLoopState& s) {
-    return QString::number(s.FrameNo);
+struct Memory1190 final : AstmMemory {
+    Query1190 query;
+};
+
+Memory1190& Memory() {
+    return MemoryOf<Memory1190>();
 }
 
-QString Query(qsizetype column) {
-    return Ctx().RecordFields.get(0, column).value_or(QString());
+AstmMemory& AsAstmMemory() {
+    return Memory();
 }
 
-QString Header1190(const AstmLoopState& s, bool /*repeated: a refused frame is not repeated*/) {
-    return FrameNoText(s) + u"H|\\^&|||||||||||E1394-97@"_s;
+bool Edit1190(std::int16_t pieceCount) {
+    const Message1190 message = EditResult1190(pieceCount);
+    if (!message.query) return false;
+    Memory().query = *message.query;
+    return true;
 }
 
-QString Terminator1190(const AstmLoopState& s) {
-    return FrameNoText(s) + u"L|1|N@"_s;
-}
-
-void Lookup1190(AstmLoopState& s) {
-    Form().QuerySampleId = Trim(Query(20));
+OrderAnswer Lookup1190(const OrderAnswer& previous) {
+    OrderAnswer answer = previous;
     // Cleared first, so that a specimen without an order never carries the patient of the
     // query before.
-    s.answer.patientId.clear();
-    s.answer.sex.clear();
-    s.answer.dateTime = NowText(u"YYYYMMDDHHMMSS"_s);
-    LookupOrder1190(Form().QuerySampleId, s.answer.kana, s.answer.test, u"1190"_s,
-                    s.answer.patientId, s.answer.sex);
+    answer.patientId.clear();
+    answer.sex.clear();
+    answer.dateTime = NowText(u"YYYYMMDDHHMMSS"_s);
+    LookupOrder1190(Trim(Memory().query.key), answer.kana, answer.test, u"1190"_s, answer.patientId,
+                    answer.sex);
+    return answer;
 }
 
-void Edit1190(AstmLoopState& s) {
-    EditResult1190(s.PieceCount);
+QString Record(RecordKind kind, const QString& frameNo, const OrderAnswer& answer) {
+    return Record1190(Memory().query, kind, frameNo, answer);
 }
+
+// The sex code of an order as the record writes it.
+QString SexLetter(const QString& code) {
+    if (code == u"1"_s) return u"M"_s;
+    if (code == u"2"_s) return u"F"_s;
+    return u"U"_s;
+}
+
+constexpr OrderPoller kPollers[] = {{&RunContext::OrderPath, 100, &TakeOrders1190}};
 
 const AstmDialogue kDialogue1190{
     .folder = u"c1190",
     .prefix = u"c1190",
-    .queryMark = &RunContext::QueryMark1190,
-    .clearsMarkOnEntry = false,
-    .pollEvery = 100,
-    .takeOrders = &TakeOrders1190,
+    .memory = &AsAstmMemory,
+    .pollers = kPollers,
     .checkReceive = &CheckReceive1190,
     .checkReply = &CheckReply1190,
-    .edit = &Edit1190,
     .ackEotPiece = true,
-    .header = &Header1190,
-    .patient = &Patient1190,
-    .order = &Order1190,
-    .terminator = &Terminator1190,
-    .recordEnd = FrameEnd::Etx,
+    .edit = &Edit1190,
     .lookup = &Lookup1190,
-    .lookupAt = LookupPoint::BeforePatient,
-    .retry = RetryRule::AskAgain,
+    .record = &Record,
+    .answer = {.recordEnd = FrameEnd::Etx,
+               .lookupAt = LookupPoint::BeforePatient,
+               .retry = RetryRule::AskAgain},
 };
 
 }  // namespace
 
-QString Patient1190(const AstmLoopState& s) {
-    // The kana name splits at its first blank into family and given name.
-    const QString& kana = s.answer.kana;
-    const qsizetype blank = InStr(kana, u" "_s);
-    const QString first = blank == 0 ? kana : Left(kana, blank - 1);
-    const QString second = blank == 0 ? QString() : Mid(kana, blank + 1);
-    return FrameNoText(s) + u"P|1|||"_s + s.answer.patientId + u"|^"_s + first + u"^"_s + second +
-           u"|||"_s + SexLetter(s.answer.sex) + u"|||||^||||||||||||@"_s;
-}
-
-QString Order1190(const AstmLoopState& s) {
-    return FrameNoText(s) + u"O|1|"_s + Query(22) + u"^"_s + Query(23) + u"^"_s + Query(21) +
-           u"^B||"_s + s.answer.test + u"||"_s + s.answer.dateTime + u"|||||N||||||||||||||Q@"_s;
+QString Record1190(const Query1190& query, RecordKind kind, const QString& frameNo,
+                   const OrderAnswer& answer) {
+    switch (kind) {
+        case RecordKind::Header:
+        case RecordKind::RepeatedHeader:  // a refused frame is not repeated here
+            return frameNo + u"H|\\^&|||||||||||E1394-97@"_s;
+        case RecordKind::Patient: {
+            // The kana name splits at its first blank into family and given name.
+            const QString& kana = answer.kana;
+            const qsizetype blank = InStr(kana, u" "_s);
+            const QString first = blank == 0 ? kana : Left(kana, blank - 1);
+            const QString second = blank == 0 ? QString() : Mid(kana, blank + 1);
+            return frameNo + u"P|1|||"_s + answer.patientId + u"|^"_s + first + u"^"_s + second +
+                   u"|||"_s + SexLetter(answer.sex) + u"|||||^||||||||||||@"_s;
+        }
+        case RecordKind::Order:
+            return frameNo + u"O|1|"_s + query.first + u"^"_s + query.second + u"^"_s +
+                   query.third + u"^B||"_s + answer.test + u"||"_s + answer.dateTime +
+                   u"|||||N||||||||||||||Q@"_s;
+        case RecordKind::Terminator:
+            return frameNo + u"L|1|N@"_s;
+    }
+    return {};
 }
 
 void BeginCommLoop1190() {

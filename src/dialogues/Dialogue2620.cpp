@@ -8,6 +8,7 @@
 #include "common/Paths.h"
 #include "common/RunContext.h"
 #include "dialogues/CommCycle.h"
+#include "dialogues/PieceReaders.h"
 #include "edits/MdlEdit026.h"
 
 using namespace Qt::StringLiterals;
@@ -16,32 +17,15 @@ namespace orbline {
 
 namespace {
 
-constexpr QChar kEnq = QChar(0x05);
-constexpr QChar kEtx = QChar(0x03);
-constexpr QChar kEot = QChar(0x04);
-constexpr QChar kCr = QChar(0x0D);
-constexpr std::int16_t kAckCr = 12;
-
-enum class BlockKind { Start, Data, Final, NotYet };
-
-// Only the ends of the buffered text decide: a text ending in CR that is none of the three
-// kinds is not yet a block, and the next read is added to it.
-BlockKind KindOf(const QString& buffer) {
-    if (buffer.front() == kEnq) return BlockKind::Start;
-    if (buffer.size() < 2) return BlockKind::NotYet;
-    const QChar lastButOne = buffer.at(buffer.size() - 2);
-    if (lastButOne == kEtx) return BlockKind::Data;
-    if (lastButOne == kEot) return BlockKind::Final;
-    return BlockKind::NotYet;
-}
-
-void StoreBlock(const QString& workFolder, std::int16_t blockSeq) {
+void StoreBlock(const QString& workFolder, std::int16_t blockSeq, const QString& block) {
     RunContext& c = Ctx();
+    // The block file is written from the receive buffer, as every dialogue's pieces are.
+    c.ReceiveBuffer.checked(0) = block;
     BlockFileOut(workFolder, u"c2620"_s, FormatNumber(QString::number(blockSeq), u"0000"_s));
     // Past the list's bound the block is lost to the edit (not to the block file), and the
     // count stops with it, so the edit never reads past the list.
     if (c.BlockList.contains(c.BlockCount)) {
-        c.BlockList.put(c.BlockCount, c.ReceiveBuffer.checked(0));
+        c.BlockList.put(c.BlockCount, block);
         c.BlockCount += 1;
     }
     c.ReceiveBuffer.checked(0).clear();
@@ -55,16 +39,16 @@ void BeginCommLoop2620() {
     c.BlockCount = 0;
     std::int16_t blockSeq = 0;
     QString workFolder;
-    QString& buffer = c.ReceiveBuffer.checked(0);
-    buffer.clear();
+    BlockReader reader;
+    c.ReceiveBuffer.checked(0).clear();
 
     while (Form().Connected) {
         if (!NextCycleHasBytes()) continue;
         ErasePaneArrays();
-        buffer += ReadText1(Form().comm());
-        if (buffer.isEmpty() || buffer.back() != kCr) continue;
+        const BlockStep step = Join(reader, ReadText1(Form().comm()));
+        if (!step.endsInCr) continue;
 
-        // Every text ending in CR counts, also one that stays in the buffer; above the 16-bit
+        // Every text ending in CR counts, also one that stays in the reader; above the 16-bit
         // range the count stops and the last number is written on.
         if (blockSeq < 32767) blockSeq += 1;
         if (blockSeq == 1) {
@@ -73,23 +57,21 @@ void BeginCommLoop2620() {
             if (FolderExists(workFolder)) DeleteFolderTree(workFolder);
             MakeFolder(workFolder);
         }
+        if (!step.block) continue;
 
-        switch (KindOf(buffer)) {
+        SendFixedReply(FixedReply::AckCr);
+        switch (step.block->kind) {
             case BlockKind::Start:
             case BlockKind::Data:
-                SendFixedReply(kAckCr);
                 LogEvent(u"データ受信中 --  "_s, u"データ受信中 -- "_s, LogForm::Short);
-                StoreBlock(workFolder, blockSeq);
+                StoreBlock(workFolder, blockSeq, step.block->text);
                 break;
             case BlockKind::Final:
-                SendFixedReply(kAckCr);
                 LogEvent(u"受信完了(Edit) -- "_s, u"受信完了(Edit) -- "_s, LogForm::Full);
-                StoreBlock(workFolder, blockSeq);
+                StoreBlock(workFolder, blockSeq, step.block->text);
                 EditResult2620();
                 c.BlockList.clear();
                 c.BlockCount = 0;
-                break;
-            case BlockKind::NotYet:
                 break;
         }
     }

@@ -102,17 +102,18 @@ QString FrameHexText(const QString& recordText, FrameEnd end) {
     return hex + u"0D 0A "_s;
 }
 
-bool NeedsTwoFrames(const QString& recordText) {
-    return recordText.size() >= kLongRecordFrom;
+bool NeedsTwoFrames(const QString& recordText, const LongRecordRule& rule) {
+    return recordText.size() >= rule.from;
 }
 
-QString FirstPartOf(const QString& longRecord) {
-    return Left(longRecord, kLongRecordFrom - 1);
+QString FirstPartOf(const QString& longRecord, const LongRecordRule& rule) {
+    return Left(longRecord, rule.firstLength);
 }
 
-QString SecondPartOf(const QString& longRecord, std::int16_t frameNo) {
-    return QString::number(frameNo) +
-           Mid(longRecord, kLongRecordFrom, kLongRecordLast - kLongRecordFrom + 1);
+QString SecondPartOf(const QString& longRecord, const LongRecordRule& rule, std::int16_t frameNo) {
+    const QString number =
+        rule.secondNumber.isEmpty() ? QString::number(frameNo) : rule.secondNumber.toString();
+    return number + Mid(longRecord, rule.firstLength + 1, rule.lastCharacter - rule.firstLength);
 }
 
 }  // namespace orbline

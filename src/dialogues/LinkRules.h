@@ -5,6 +5,7 @@
 
 #include <QChar>
 #include <QString>
+#include <QStringView>
 
 #include <cstdint>
 
@@ -48,14 +49,21 @@ QString SumCheckPlain(const QString& text);
 // last digit of the checksum, CR LF.
 QString FrameHexText(const QString& recordText, FrameEnd end);
 
-// Records of this many characters or more go out in two frames; the second carries at most
-// the characters up to the last one here.
-inline constexpr qsizetype kLongRecordFrom = 236;
-inline constexpr qsizetype kLongRecordLast = 475;
-bool NeedsTwoFrames(const QString& recordText);
-// The first frame's text: the first 235 characters.
-QString FirstPartOf(const QString& longRecord);
-// The second frame's text: its own frame number, then characters 236 to 475.
-QString SecondPartOf(const QString& longRecord, std::int16_t frameNo);
+// When a record takes two frames, and how they are cut. The frame dialogues split at 236
+// characters, the first frame carrying 235 and the second its own frame number in front of
+// characters 236 to 475; the cobas family splits at 240 with 237 in the first frame and a fixed
+// "2" in front of characters 238 to 477. There is no third frame: the rest is dropped.
+struct LongRecordRule {
+    qsizetype from;            // records of this many characters or more take two frames
+    qsizetype firstLength;     // characters in the first frame
+    qsizetype lastCharacter;   // the last character the second frame carries
+    QStringView secondNumber;  // in front of the second frame; empty: its frame number
+};
+inline constexpr LongRecordRule kCountedLongRecord{236, 235, 475, {}};
+inline constexpr LongRecordRule kFixedLongRecord{240, 237, 477, u"2"};
+
+bool NeedsTwoFrames(const QString& recordText, const LongRecordRule& rule);
+QString FirstPartOf(const QString& longRecord, const LongRecordRule& rule);
+QString SecondPartOf(const QString& longRecord, const LongRecordRule& rule, std::int16_t frameNo);
 
 }  // namespace orbline

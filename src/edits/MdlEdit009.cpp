@@ -77,19 +77,6 @@ QString ItemCodeFor(const QString& name, const QString& instrumentCode) {
     return name;
 }
 
-// Until the dialogues read the returned message.
-void LeaveQueryInContext(const Message0980& message) {
-    RunContext& c = Ctx();
-    if (message.echoSender) c.EchoSender = *message.echoSender;
-    if (message.echoVersion) c.EchoVersion = *message.echoVersion;
-    c.RecordFields.clear();
-    if (!message.query) return;
-    c.QueryMark0980 = u"Q"_s;
-    c.RecordFields.put(0, 20, message.query->key);
-    c.RecordFields.put(0, 23, message.query->second);
-    c.RecordFields.put(0, 22, message.query->third);
-}
-
 }  // namespace
 
 Message0980 ParseMessage0980(const QStringList& pieces, const SampleRule& rule,
@@ -152,8 +139,6 @@ Message0980 EditResult0980(std::int16_t pieceCount) {
     c.RunMark = u"0"_s;
     c.KensaDate = message.kensaDate;
     c.KensaTime = message.kensaTime;
-    // Until the dialogues read the returned message.
-    LeaveQueryInContext(message);
     if (message.query) return message;
 
     QString lines;

@@ -151,9 +151,6 @@ Message1160 RunEdit(std::int16_t pieceCount) {
     c.SampleId = message.sampleId;
     c.KensaDate = message.kensaDate;
     c.KensaTime = message.kensaTime;
-    // Until the dialogues read the returned message.
-    if (message.queryKey) c.QueryMark1160 = u"Q"_s;
-
     switch (pieces.end) {
         case SavedPieces::End::Unreadable:
             throw RuntimeError(errors::FileNotFound());

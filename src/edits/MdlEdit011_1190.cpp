@@ -139,18 +139,6 @@ void ApplyFlagText(const QString& flagText, ResultFields& fields) {
     }
 }
 
-// Until the dialogues read the returned message.
-void LeaveQueryInContext(const Message1190& message) {
-    RunContext& c = Ctx();
-    c.QueryMark1190 = message.query ? u"Q"_s : message.rows.empty() ? u"0"_s : u"R"_s;
-    c.RecordFields.clear();
-    if (!message.query) return;
-    c.RecordFields.put(0, 20, message.query->key);
-    c.RecordFields.put(0, 21, message.query->third);
-    c.RecordFields.put(0, 22, message.query->first);
-    c.RecordFields.put(0, 23, message.query->second);
-}
-
 }  // namespace
 
 Message1190 ParseMessage1190(const QStringList& pieces, const SampleRule& rule) {
@@ -231,8 +219,6 @@ Message1190 EditResult1190(std::int16_t pieceCount) {
     // The log lines read SampleId and RunMark.
     c.SampleId = message.sampleId;
     c.RunMark = u"0"_s;
-    // Until the dialogues read the returned message.
-    LeaveQueryInContext(message);
     if (message.query) return message;
 
     QString lines;

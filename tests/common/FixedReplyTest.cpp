@@ -35,20 +35,20 @@ TEST(SendFixedReply, WritesTheTableTextThroughTheSendPane) {
     ASSERT_TRUE(Form().comm().OpenPort1());
 
     // Nothing was set yet: the empty text writes nothing.
-    SendFixedReply(4);
-    SendFixedReply(12);
+    SendFixedReply(FixedReply::Prepared);
+    SendFixedReply(FixedReply::AckCr);
     EXPECT_EQ(harness.line.receive(2, std::chrono::seconds(2)), Notation("<ACK><CR>"));
     // A code outside the table sends the last text again; a frame put in SendBytes goes as is.
-    SendFixedReply(9);
+    SendFixedReply(static_cast<FixedReply>(9));
     Ctx().SendBytes = "02 3E 03";
-    SendFixedReply(4);
+    SendFixedReply(FixedReply::Prepared);
     EXPECT_EQ(harness.line.receive(5, std::chrono::seconds(2)), Notation("<ACK><CR><STX>><ETX>"));
     EXPECT_EQ(Form().sendBytes.count, 0);
     EXPECT_EQ(Form().labelBytesW, u"0"_s);
 
     // The send pane's mode decides how the text is read: in the character mode the digits go.
     Form().comboModeW.position = 2;
-    SendFixedReply(5);
+    SendFixedReply(FixedReply::Ack);
     EXPECT_EQ(harness.line.receive(2, std::chrono::seconds(2)), Notation("06"));
     EXPECT_TRUE(harness.line.drain(std::chrono::milliseconds(100)).empty());
 }

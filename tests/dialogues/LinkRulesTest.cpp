@@ -1,8 +1,6 @@
 #include "common/AnsiCodec.h"
-#include "common/RunContext.h"
 #include "dialogues/Classifiers.h"
 #include "dialogues/LinkRules.h"
-#include "support/TestSite.h"
 
 #include <gtest/gtest.h>
 
@@ -52,60 +50,35 @@ TEST(LinkRules, ThePlainSumOfEachFrameOfARealCaptureIsItsChecksum) {
     EXPECT_EQ(SumCheckNegated(u"\x02"_s), u"100"_s);
 }
 
-TEST(LinkRules, ARecordOfTwoHundredThirtySixCharactersTakesTwoFrames) {
-    const QString record = u"3O|1|"_s + QString(500, u'K');
-    EXPECT_FALSE(NeedsTwoFrames(record.left(235)));
-    EXPECT_TRUE(NeedsTwoFrames(record.left(236)));
-    EXPECT_EQ(FirstPartOf(record), record.left(235));
-    // The second frame: its own number, characters 236 to 475; the rest is dropped.
-    EXPECT_EQ(SecondPartOf(record, 4), u"4"_s + record.mid(235, 240));
-}
-
-TEST(Classifiers, TheFrameDialoguesTakeEveryPieceAndCountEveryReplyThatIsNotAck) {
-    std::int16_t count = 0;
-    std::int16_t eot = 1;
-    EXPECT_EQ(CheckReceive0980(u"\x05"_s, count, eot), 0);
-    EXPECT_EQ(eot, 0);
-    EXPECT_EQ(CheckReceive1160(u"\x04"_s, count, eot), 0);
-    EXPECT_EQ(eot, 1);
+TEST(Classifiers, TheFrameDialoguesTakeEveryPieceAndTellOnlyAckFromTheRest) {
+    EXPECT_EQ(CheckReceive0980(u"\x05"_s), PieceKind::Enq);
+    EXPECT_EQ(CheckReceive1160(u"\x04"_s), PieceKind::Eot);
     // A frame with EOT behind it is data, except for the 1660 family.
-    EXPECT_EQ(CheckReceive1190(u"\x02"
-                               "1L|1\x03"
-                               "00\r\n\x04"_s,
-                               count, eot),
-              0);
-    EXPECT_EQ(eot, 1);
-    eot = 0;
-    EXPECT_EQ(CheckReceive1190(u"\x02"
-                               "1L|1\x03"
-                               "00\r\n\x04"_s,
-                               count, eot),
-              0);
-    EXPECT_EQ(eot, 0);
-    EXPECT_EQ(CheckReceive1660(u"\x02"
-                               "1L|1\x03"
-                               "00\r\n\x04"_s,
-                               count, eot),
-              0);
-    EXPECT_EQ(eot, 1);
+    const QString frameThenEot =
+        u"\x02"
+        "1L|1\x03"
+        "00\r\n\x04"_s;
+    EXPECT_EQ(CheckReceive1190(frameThenEot), PieceKind::Data);
+    EXPECT_EQ(CheckReceive1660(frameThenEot), PieceKind::Eot);
 
-    const std::pair<SendStage, std::int16_t> acks[] = {
-        {SendStage::Nothing, 0}, {SendStage::Header, 0},     {SendStage::Patient, 0},
-        {SendStage::Order, 0},   {SendStage::FirstOfTwo, 1}, {SendStage::Terminator, 2},
+    const std::pair<SendStage, ReplyClass> acks[] = {
+        {SendStage::Nothing, ReplyClass::NextRecord},
+        {SendStage::Header, ReplyClass::NextRecord},
+        {SendStage::Patient, ReplyClass::NextRecord},
+        {SendStage::Order, ReplyClass::NextRecord},
+        {SendStage::FirstOfTwo, ReplyClass::SecondPart},
+        {SendStage::Terminator, ReplyClass::TerminatorTaken},
     };
-    for (const auto& [stage, code] : acks) EXPECT_EQ(CheckReply0980(u"\x06"_s, count, stage), code);
-    EXPECT_EQ(count, 0);
-    for (const QString& refusal : {u"\x15"_s, u"\x05"_s, u"xy"_s})
-        EXPECT_EQ(CheckReply1190(refusal, count, SendStage::Header), 10);
-    EXPECT_EQ(count, 3);
+    for (const auto& [stage, reply] : acks) EXPECT_EQ(CheckReply0980(u"\x06"_s, stage), reply);
+    for (const QString& refusal : {u"\x15"_s, u"\x05"_s, u"xy"_s, u"\x15\x06"_s})
+        EXPECT_EQ(CheckReply1190(refusal, SendStage::Header), ReplyClass::NotAck);
 }
 
 TEST(Classifiers, TheFullFrameCheckReportsTheFirstTestThatFails) {
-    test::TestSite site;
     struct Case {
         QString frame;
         std::int16_t pieceCount;
-        std::int16_t code;
+        std::int16_t code;  // as logged
         std::int16_t eot;
     };
     const Case cases[] = {
@@ -157,27 +130,13 @@ TEST(Classifiers, TheFullFrameCheckReportsTheFirstTestThatFails) {
          "D1WXX84\x03"_s,
          1, 136, 0},
     };
+    FrameHistory history;
     for (const Case& c : cases) {
-        std::int16_t count = c.pieceCount;
         std::int16_t eot = 1;
-        EXPECT_EQ(CheckFrame0990(c.frame, count, eot), c.code) << c.frame.toStdString();
+        EXPECT_EQ(static_cast<std::int16_t>(CheckFrame0990(c.frame, c.pieceCount, eot, history)),
+                  c.code)
+            << c.frame.toStdString();
         EXPECT_EQ(eot, c.eot) << c.frame.toStdString();
     }
-    EXPECT_EQ(Ctx().FrameHistory0990.get(1), cases[0].frame);
-
-    std::int16_t ignored = 0;
-    std::int16_t eot = 5;
-    const std::tuple<QString, std::int16_t, std::int16_t> frames[] = {
-        {u"x>"_s, 10, 0},
-        {u"\x02>"_s, 1, 0},
-        {u"\x02:"_s, 0, 1},
-        {u"\x02;"_s, 2, 1},
-        {u"\x02"
-         "A"_s,
-         0, 1},
-    };
-    for (const auto& [frame, code, flag] : frames) {
-        EXPECT_EQ(ClassifyFrame(frame, ignored, eot), code) << frame.toStdString();
-        EXPECT_EQ(eot, flag) << frame.toStdString();
-    }
+    EXPECT_EQ(history.frames.get(1), cases[0].frame);
 }

@@ -138,7 +138,7 @@ TEST(Edit1160, WorkFileOfAQueryAndOfAMissingPiece) {
     const qsizetype before = openHandles();
     const Message1160 query =
         EditResult1160(SavePieces(site, {kAiaHeader, u"Q|1|^^0387^587^S1||ALL"_s}));
-    EXPECT_EQ(c.QueryMark1160 + query.queryKey.value_or(u"?"_s), u"Q0387587S1"_s);
+    EXPECT_EQ(query.queryKey.value_or(u"?"_s), u"0387587S1"_s);
     EditResult1160(SavePieces(site, {kAiaHeader, u"O|1|77|"_s, u"L|1"_s}));
     EXPECT_EQ(openHandles(), before);
     const QStringList work = QDir(site.native(u"wk"_s)).entryList(QDir::Files);

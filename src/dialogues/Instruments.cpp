@@ -1,0 +1,42 @@
+#include "dialogues/Instruments.h"
+
+#include "dialogues/Dialogue0980.h"
+#include "dialogues/Dialogue1160.h"
+#include "dialogues/Dialogue1190.h"
+#include "dialogues/Dialogue2620.h"
+#include "tables/MdlOption.h"
+
+#include <array>
+
+namespace orbline {
+
+namespace {
+
+// In the order the codes are tested.
+constexpr std::array<Instrument, 12> kInstruments{{
+    {.code = u"0855", .kind = u"urine analyser"},
+    {.code = u"0980", .kind = u"glycohaemoglobin analyser", .dialogue = &BeginCommLoop0980},
+    {.code = u"0990", .kind = u"blood glucose meter"},
+    {.code = u"1160", .kind = u"AIA analyser", .dialogue = &BeginCommLoop1160},
+    {.code = u"1190", .kind = u"haematology analyser", .dialogue = &BeginCommLoop1190},
+    {.code = u"1650", .kind = u"coagulation analyser"},
+    {.code = u"1671", .kind = u"tympanometer"},
+    {.code = u"1660", .kind = u"cobas analyser"},
+    {.code = u"1730", .kind = u"immunoassay analyser", .loadAtLaunch = &LoadData1730},
+    {.code = u"2140", .kind = u"chemistry analyser", .loadAtStart = &LoadOption2140},
+    {.code = u"2620",
+     .kind = u"tonometer",
+     .dialogue = &BeginCommLoop2620,
+     .readsFT01Format = true},
+    {.code = u"2990", .kind = u"chemistry analyser", .loadAtStart = &LoadKensaKomoku2990},
+}};
+
+}  // namespace
+
+const Instrument* FindInstrument(const QString& code) {
+    for (const Instrument& instrument : kInstruments)
+        if (instrument.code == code) return &instrument;
+    return nullptr;
+}
+
+}  // namespace orbline
