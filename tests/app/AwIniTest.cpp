@@ -69,18 +69,20 @@ TEST(Settings, EveryKeyIsReadIntoItsField) {
     TestSite site;
     Ctx().IniPrefix = u"AB"_s;
     Ctx().InstrumentCode = u"1190"_s;
-    site.writeFile(u"KV_Orbline.ini"_s,
-                   EncodeAnsi(u"[User]\r\nDbPath=\\db\r\nJyusinDataPath=\\data\r\n"
-                              u"JyusinDataPath2=\\data2\r\nJyusinWKPath=\\wk\r\n"
-                              u"[ABMC]\r\nName=血球計数\r\nPort=3\r\nBaudRate=9600\r\n"
-                              u"DataBits=7\r\nParity=e\r\nStopBits=1.5\r\nHandshake=D\r\n"
-                              u"TimeOut=abc\r\nDelimiter=2\r\nIDEntry=2\r\nLog=1\r\nTusin=0\r\n"
-                              u"OrderPT=4\r\nOrderPath=\\orders\r\nOutIP=1\r\nFT01Format=1\r\n"
-                              u"Device=/dev/serial/by-id/usb-FTDI\r\n"_s));
+    site.writeFile(
+        u"KV_Orbline.ini"_s,
+        EncodeAnsi(u"[User]\r\nDbPath=\\db\r\nDbConnect=DSN=orders\r\nJyusinDataPath=\\data\r\n"
+                   u"JyusinDataPath2=\\data2\r\nJyusinWKPath=\\wk\r\n"
+                   u"[ABMC]\r\nName=血球計数\r\nPort=3\r\nBaudRate=9600\r\n"
+                   u"DataBits=7\r\nParity=e\r\nStopBits=1.5\r\nHandshake=D\r\n"
+                   u"TimeOut=abc\r\nDelimiter=2\r\nIDEntry=2\r\nLog=1\r\nTusin=0\r\n"
+                   u"OrderPT=4\r\nOrderPath=\\orders\r\nOutIP=1\r\nFT01Format=1\r\n"
+                   u"Device=/dev/serial/by-id/usb-FTDI\r\n"_s));
     Ctx().TimeOutMs = 77;
     ReadSettings(AwIni());
     const RunContext& c = Ctx();
     EXPECT_EQ(c.DbPath, u"\\db"_s);
+    EXPECT_EQ(c.DbConnect, u"DSN=orders"_s);
     EXPECT_EQ(c.JyusinDataPath2, u"\\data2"_s);
     EXPECT_EQ(c.JyusinWKPath, u"\\wk"_s);
     EXPECT_EQ(c.InstrumentName, u"血球計数"_s);

@@ -30,9 +30,11 @@ struct SQLiteFile {
     static void Configure(const QString&) { Ctx().DbConnect.clear(); }
 };
 
+// DbPath names a folder without a store: only the connection string can find it.
 struct OdbcSQLite {
     static void Configure(const QString& nativeFile) {
         Ctx().DbConnect = QStringLiteral("Driver=SQLite3;Database=") + nativeFile;
+        Ctx().DbPath = Ctx().DbPath + QStringLiteral("\\none");
     }
 };
 
