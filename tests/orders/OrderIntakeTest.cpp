@@ -44,7 +44,7 @@ TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLine
     site.writeFile(u"orders/1660a.csv"_s,
                    OrderLine(u"20250416"_s, u"1"_s, u" K1 "_s, u"1660"_s,
                              {u" 9NACL"_s, u"cknac"_s, u"CKNAC"_s, u"FERR"_s, u"AMH"_s}) +
-                       "\r\n\r\n" + "20250416,2,0930,K2,1660,short line\r\n");
+                       "\r\n\r\n" + EncodeAnsi(u"20250416,2,0930,K2,1660,山田 太郎\r\n"_s));
     site.writeFile(u"orders/sub/1660ABC.CSV"_s,
                    OrderLine(u"20250416"_s, u"3"_s, u"K3"_s, u"1660"_s, {u"Na"_s}));
     TakeOrders1660();
@@ -60,7 +60,7 @@ TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLine
     EXPECT_EQ(Cell(rows[1], "KENSA1"), u"951"_s);
     EXPECT_EQ(Cell(rows[1], "KENSA2"), u"4207"_s);
     EXPECT_EQ(Cell(rows[1], "KENSA3"), u"4290"_s);
-    EXPECT_EQ(Cell(rows[2], "KANJYANM"), u"short line"_s);
+    EXPECT_EQ(Cell(rows[2], "KANJYANM"), u"山田 太郎"_s);
     EXPECT_EQ(Cell(rows[2], "KENSACNT"), u"0"_s);
     EXPECT_EQ(Cell(rows[3], "ORDERCD"), u"K3"_s);
 
@@ -76,6 +76,47 @@ TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLine
     const QString line = u"【検査： 1660-0-2025-04-16 09:30:15】"_s + event + u"\r\n"_s;
     EXPECT_EQ(this->store.mainLog(u"1660"_s), line + line);
     EXPECT_EQ(Form().Txt_Log.text(), event + u"\r\n"_s + event + u"\r\n"_s);
+    EXPECT_EQ(Ctx().OrderDbFailures, 0);
+}
+
+// Forty-five tests fill the forty test columns and count all; the same key taken again leaves
+// none of the former tests; a quote in the key is an ordinary character.
+TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormerTest) {
+    QStringList tests{u"9NACL"_s};
+    while (tests.size() < 45) tests.append(u"Na"_s);
+    this->site().writeFile(u"orders/1660a.csv"_s,
+                           OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s, u"1660"_s, tests));
+    TakeOrders1660();
+    auto rows = this->store.rows();
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(Cell(rows[0], "ORDERCD"), u"O'Brien"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSAHM"), u"0930"_s);
+    EXPECT_EQ(Cell(rows[0], "KANJYAKANA"), u"f6"_s);
+    EXPECT_EQ(Cell(rows[0], "KANJYAINFO"), u"f13"_s);
+    EXPECT_EQ(Cell(rows[0], "KENTAI_NYOU"), u"f20"_s);
+    // The comment column is the time of the write, never field 14.
+    EXPECT_EQ(Cell(rows[0], "KENTAICMT"), u"20250416093015"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSACNT"), u"45"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSA1"), u"951"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSA40"), u"989"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSA1_2"), u"<NULL>"_s);
+
+    this->store.insert({{u"KENSAYMD"_s, u"20250415"_s},
+                        {u"RENBAN"_s, u"7"_s},
+                        {u"KENSAKIKICD"_s, u"1660"_s},
+                        {u"ORDERCD"_s, u"O'Brien"_s}});
+    SetFixedNow("2025-04-16 10:00:00");
+    this->site().writeFile(u"orders/1660b.csv"_s, OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s,
+                                                            u"1660"_s, {u"UN"_s, u"unknown"_s}));
+    TakeOrders1660();
+    rows = this->store.rows(u"KENSAYMD = '20250416'"_s);
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(Cell(rows[0], "KENTAICMT"), u"20250416100000"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSACNT"), u"1"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSA1"), u"4277"_s);
+    EXPECT_EQ(Cell(rows[0], "KENSA2"), u""_s);
+    EXPECT_EQ(Cell(rows[0], "KENSA40"), u""_s);
+    EXPECT_EQ(this->store.rows().size(), 2u);
     EXPECT_EQ(Ctx().OrderDbFailures, 0);
 }
 
