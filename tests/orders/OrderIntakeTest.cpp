@@ -101,10 +101,7 @@ TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormer
     EXPECT_EQ(Cell(rows[0], "KENSA40"), u"989"_s);
     EXPECT_EQ(Cell(rows[0], "KENSA1_2"), u"<NULL>"_s);
 
-    this->store.insert({{u"KENSAYMD"_s, u"20250415"_s},
-                        {u"RENBAN"_s, u"7"_s},
-                        {u"KENSAKIKICD"_s, u"1660"_s},
-                        {u"ORDERCD"_s, u"O'Brien"_s}});
+    this->store.order(u"20250415"_s, u"7"_s, u"1660"_s, u"O'Brien"_s, {u"4277"_s});
     SetFixedNow("2025-04-16 10:00:00");
     this->site().writeFile(u"orders/1660b.csv"_s, OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s,
                                                             u"1660"_s, {u"UN"_s, u"unknown"_s}));

@@ -46,12 +46,8 @@ TYPED_TEST(OrderLookupsTest, KeysWithQuotesFindExactlyTheRowsTheyName) {
 TYPED_TEST(OrderLookupsTest, NotationsOf1660And1730And1650) {
     OrderSite& s = this->store;
     s.order(u"20250416"_s, u"1"_s, u"1660"_s, u"A"_s, {u"951"_s, u"4207"_s}, u"ｱｲｳ"_s);
-    s.insert({{u"KENSAYMD"_s, u"20250416"_s},
-              {u"RENBAN"_s, u"1"_s},
-              {u"KENSAKIKICD"_s, u"1660"_s},
-              {u"ORDERCD"_s, u"NULL"_s},
-              {u"KANJYAKANA"_s, u"ﾇﾙ"_s},
-              {u"KENSACNT"_s, std::nullopt}});
+    s.order(u"20250416"_s, u"1"_s, u"1660"_s, u"NULL"_s, {}, u"ﾇﾙ"_s, {},
+            {{u"KENSACNT"_s, std::nullopt}});
     QString kana;
     QString tests;
     LookupOrder1660(u"A"_s, kana, tests, u"1660"_s);
@@ -62,19 +58,8 @@ TYPED_TEST(OrderLookupsTest, NotationsOf1660And1730And1650) {
     EXPECT_EQ(kana, u"ﾇﾙ"_s);
 
     // 1730 asks by KANJYAINFO; a second code follows its test behind "^" only where stored.
-    s.insert({{u"KENSAYMD"_s, u"20250416"_s},
-              {u"RENBAN"_s, u"1"_s},
-              {u"KENSAKIKICD"_s, u"1730"_s},
-              {u"ORDERCD"_s, u"other"_s},
-              {u"KANJYAINFO"_s, u"ID7"_s},
-              {u"KANJYAKANA"_s, u"ｷ"_s},
-              {u"KENSACNT"_s, u"3"_s},
-              {u"KENSA1"_s, u"4207"_s},
-              {u"KENSA1_2"_s, u"2"_s},
-              {u"KENSA2"_s, u" 951 "_s},
-              {u"KENSA2_2"_s, u""_s},
-              {u"KENSA3"_s, u"113"_s},
-              {u"KENSA3_2"_s, u" 5"_s}});
+    s.order(u"20250416"_s, u"1"_s, u"1730"_s, u"other"_s, {u"4207"_s, u" 951 "_s, u"113"_s}, u"ｷ"_s,
+            u"ID7"_s, {{u"KENSA1_2"_s, u"2"_s}, {u"KENSA2_2"_s, u""_s}, {u"KENSA3_2"_s, u" 5"_s}});
     LookupOrder1730(u"ID7"_s, kana, tests, u"1730"_s);
     EXPECT_EQ(tests, u"^^^4207^2\\^^^951\\^^^113^5"_s);
     EXPECT_EQ(kana, u"ｷ"_s);
@@ -95,15 +80,8 @@ TYPED_TEST(OrderLookupsTest, NotationsOf1660And1730And1650) {
 // branches they do not reach.
 TYPED_TEST(OrderLookupsTest, NotationsOf0980And1190AndTheirNoRowBranches) {
     OrderSite& s = this->store;
-    s.insert({{u"KENSAYMD"_s, u"20250416"_s},
-              {u"RENBAN"_s, u"1"_s},
-              {u"KENSAKIKICD"_s, u"0980"_s},
-              {u"ORDERCD"_s, u"1234"_s},
-              {u"KANJYAKANA"_s, u"ｶ"_s},
-              {u"KANJYAID"_s, u"P9"_s},
-              {u"SEX"_s, u"2"_s},
-              {u"KENSACNT"_s, u"1"_s},
-              {u"KENSA1"_s, u"0980010"_s}});
+    s.order(u"20250416"_s, u"1"_s, u"0980"_s, u"1234"_s, {u"0980010"_s}, u"ｶ"_s, {},
+            {{u"KANJYAID"_s, u"P9"_s}, {u"SEX"_s, u"2"_s}});
     s.order(u"20250416"_s, u"1"_s, u"0980"_s, u"NOCNT"_s, {}, u"ﾅ"_s);
     s.order(u"20250416"_s, u"1"_s, u"0980"_s, u"ODD"_s, {u"1190030"_s, u"0980010"_s});
     s.order(u"20250416"_s, u"1"_s, u"1190"_s, u"U"_s, {u"1190010"_s, u"9999999"_s});
