@@ -92,16 +92,3 @@ TEST(Settings, EveryKeyIsReadIntoItsField) {
     EXPECT_EQ(c.Tusin, u"0"_s);
     EXPECT_EQ(c.FT01Format, QString());  // read for the tonometer only
 }
-
-TEST(AwIni, WriteValueKeepsTheFileReadable) {
-    TestSite site;
-    site.writeFile(u"KV_Orbline.ini"_s, "[User]\r\nA=1\r\n\r\n[TNMC]\r\nName=x\r\n");
-    const AwIni ini;
-    ASSERT_TRUE(ini.WriteValue(u"user"_s, u"B"_s, u"  two  "_s));
-    ASSERT_TRUE(ini.WriteValue(u"TNMC"_s, u"name"_s, QString()));
-    ASSERT_TRUE(ini.WriteValue(u"New"_s, u"K"_s, u"v"_s));
-    EXPECT_EQ(ini.GetValue(u"User"_s, u"A"_s, QString()), u"1"_s);
-    EXPECT_EQ(ini.GetValue(u"User"_s, u"B"_s, QString()), u"two"_s);
-    EXPECT_EQ(ini.GetValue(u"TNMC"_s, u"Name"_s, u"gone"_s), QString());
-    EXPECT_EQ(ini.GetValue(u"New"_s, u"K"_s, QString()), u"v"_s);
-}

@@ -129,13 +129,3 @@ TEST(BlockFiles, HoldTheBytesAsTheyCameAndAreWrittenAnew) {
     BlockFileOut(site.path(u"c2620"_s), u"c2620"_s, u"0007"_s);
     EXPECT_EQ(site.readFile(u"c2620/c2620_0007.txt"_s), QByteArray("short\r\n"));
 }
-
-TEST(BlockFiles, DataSaveMakesItsFolderAnewForKindOne) {
-    TestSite site;
-    site.writeFile(u"AppOut_2620/old.txt"_s, "old");
-    Ctx().ReceiveBuffer.put(0, u"data"_s);
-    DataSave_XXXX(u"5"_s, 1);
-    EXPECT_FALSE(site.exists(u"AppOut_2620/old.txt"_s));
-    // The kind stands where the number belongs.
-    EXPECT_EQ(site.readFile(u"AppOut_2620/0001.txt"_s), QByteArray("data\r\n"));
-}

@@ -1,11 +1,6 @@
 #include "common/Numbers.h"
 
-#include "common/RuntimeError.h"
-
 #include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -102,20 +97,6 @@ TEST(PlainDecimalText, CanonicalDigitsWithoutADouble) {
     };
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(PlainDecimalText(text), expected) << text.toStdString();
-}
-
-TEST(RoundDigits, HalfAwayFromZeroInDoubleArithmetic) {
-    struct R {
-        double value;
-        std::int16_t digits;
-        double expected;
-    };
-    for (const R& r : {R{2.5, 0, 3.0}, R{-2.5, 0, -3.0}, R{2.4, 0, 2.0}, R{1.005, 2, 1.0},
-                       R{-1.25, 1, -1.3}, R{1250.0, -2, 1300.0}}) {
-        EXPECT_DOUBLE_EQ(RoundDigits(r.value, r.digits), r.expected)
-            << r.value << " at " << r.digits;
-    }
-    EXPECT_FALSE(std::signbit(RoundDigits(-0.4, 0)));
 }
 
 TEST(SettingConversions, NumericTextsThatFit) {

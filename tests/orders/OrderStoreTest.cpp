@@ -6,17 +6,6 @@ using namespace Qt::StringLiterals;
 using namespace orbline;
 using namespace orbline::test;
 
-// SaveOrderRow is the save of one staged line on its own connection; the intake writes through
-// the same writer, whose columns the intake tests check.
-TEST(OrderStore, StagingRowsPastTheTableAreNeverSaved) {
-    OrderSite s;
-    Ctx().OrderTable.put(1, 0, u"20250416"_s);
-    SaveOrderRow(1);
-    SaveOrderRow(1001);
-    SaveOrderRow(0);
-    EXPECT_EQ(s.rows().size(), 1u);
-}
-
 TEST(OrderStore, DriverIsChosenByTheFirstBytesOfTheFile) {
     EXPECT_EQ(OrderDbKindOf("SQLite format 3\0rest"), OrderDbKind::SQLite);
     EXPECT_EQ(OrderDbKindOf(QByteArray("\0\1\0\0Standard Jet DB\0", 20)), OrderDbKind::Access);
@@ -46,8 +35,8 @@ TEST(OrderStoreDeathTest, AMissingStoreEndsTheProcessWithStatusOneAndIsNotCreate
 
     // A file that is no database, and an ODBC driver that does not exist, end the same way.
     site.writeFile(u"nodb/KV_Orbline2.min"_s, "plain text");
-    EXPECT_EXIT(SaveOrderRow(1), ::testing::ExitedWithCode(1), "");
-    Ctx().OrderTable.put(1, 0, u"x"_s);
+    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1), "");
     Ctx().DbConnect = u"Driver=NoSuchDriver;Database=x"_s;
-    EXPECT_EXIT(SaveOrderRow(1), ::testing::ExitedWithCode(1), "データベースの取得に失敗しました");
+    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1),
+                "データベースの取得に失敗しました");
 }
