@@ -15,7 +15,7 @@ using orbline::test::TestSite;
 
 // The scenario tests compare whole logs of the running process; here the parts they cannot
 // reach: the run mark, a code shorter than four digits, and the console's own text.
-TEST(MainLog, LineFormInTheCodePageWithBothForms) {
+TEST(MainLog, RunMarkShortCodeAndConsoleFormInTheCodePage) {
     TestSite site;
     LogEvent(u"プログラム開始 --   "_s, u"プログラム開始 -- "_s, LogForm::Full);
     Ctx().SampleId = u"123"_s;

@@ -1,6 +1,7 @@
 #include "common/Form.h"
 #include "orders/OrderLookups.h"
 #include "orders/OrderTestSupport.h"
+#include "tables/MdlOption.h"
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -123,17 +124,10 @@ TYPED_TEST(OrderLookupsTest, NotationsOf0980And1190AndTheirNoRowBranches) {
 TYPED_TEST(OrderLookupsTest, Lookup2140FoldsItemsIntoEightyEightFlags) {
     OrderSite& s = this->store;
     // Item number (column 0) of each test code (column 2); the first Na row wins.
-    const QStringList rows[] = {{u"87"_s, u"Na"_s}, {u"88"_s, u"K"_s},   {u"89"_s, u"Cl"_s},
-                                {u"1"_s, u"TP"_s},  {u"2"_s, u"ALB"_s},  {u"93"_s, u"A/G"_s},
-                                {u"91"_s, u"H"_s},  {u"95"_s, u"X95"_s}, {u"46"_s, u"CRP"_s},
-                                {u"1"_s, u"Na"_s}};
-    int r = 0;
-    for (const QStringList& row : rows) {
-        ++r;
-        Ctx().OptionTable2140.put(r, 0, row[0]);
-        Ctx().OptionTable2140.put(r, 2, row[1]);
-    }
-    Ctx().OptionCount2140 = static_cast<std::int16_t>(r);
+    s.site.writeFile(u"KV_OPTION2140.DAT"_s,
+                     "87,,Na\r\n88,,K\r\n89,,Cl\r\n1,,TP\r\n2,,ALB\r\n"
+                     "93,,A/G\r\n91,,H\r\n95,,X95\r\n46,,CRP\r\n1,,Na\r\n");
+    LoadOption2140();
     EXPECT_EQ(ItemNumberOf2140(u"Na"_s), u"87"_s);
     EXPECT_EQ(ItemNumberOf2140(u"na"_s), u""_s);
 
