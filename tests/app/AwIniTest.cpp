@@ -29,7 +29,7 @@ TEST(ProfileString, NamesWithoutCaseValuesTrimmedAndUnquoted) {
     EXPECT_EQ(ProfileString(ini, u"TNMC"_s, u"Empty"_s, u"dflt"_s), QString());
     EXPECT_EQ(ProfileString(ini, u"TNMC"_s, u"Extra"_s, u"dflt"_s), u"dflt"_s);
     EXPECT_EQ(ProfileString(ini, u"NoSuch"_s, u"Name"_s, u"dflt"_s), u"dflt"_s);
-    EXPECT_EQ(ProfileString(QByteArray(), u"User"_s, u"DbPath"_s, QString()), QString());
+    EXPECT_EQ(ProfileString(QByteArray(), u"User"_s, u"DbPath"_s, u"dflt"_s), u"dflt"_s);
 }
 
 TEST(ProfileString, ValuesAreCutAt255BytesOfTheCodePage) {
@@ -51,8 +51,6 @@ TEST(Settings, AnEmptySectionGivesTheDefaults) {
     site.writeFile(u"KV_Orbline.ini"_s, "[User]\r\n[TNMC]\r\n");
     ReadSettings(AwIni());
     const RunContext& c = Ctx();
-    EXPECT_EQ(c.DbPath, site.path());
-    EXPECT_EQ(c.JyusinDataPath, QString());
     EXPECT_EQ(c.PortNo, 0);
     EXPECT_EQ(c.StopBitsNo, 0.0f);
     EXPECT_EQ(c.Tusin, u"1"_s);
@@ -65,62 +63,32 @@ TEST(Settings, AnEmptySectionGivesTheDefaults) {
     EXPECT_EQ(FormCaption(), u"(2620) "_s);
 }
 
+// The keys the scenario tests do not write (they write the line settings, Name, Device, the
+// work and data folders, OrderPT, OrderPath, OutIP and FT01Format and read them back through
+// the log and the delivered files).
 TEST(Settings, EveryKeyIsReadIntoItsField) {
     TestSite site;
     Ctx().IniPrefix = u"AB"_s;
     Ctx().InstrumentCode = u"1190"_s;
     site.writeFile(u"KV_Orbline.ini"_s,
-                   EncodeAnsi(u"[User]\r\nDbPath=\\db\r\nJyusinDataPath=\\data\r\n"
-                              u"JyusinDataPath2=\\data2\r\nJyusinWKPath=\\wk\r\n"
-                              u"[ABMC]\r\nName=血球計数\r\nPort=3\r\nBaudRate=9600\r\n"
-                              u"DataBits=7\r\nParity=e\r\nStopBits=1.5\r\nHandshake=D\r\n"
-                              u"TimeOut=abc\r\nDelimiter=2\r\nIDEntry=2\r\nLog=1\r\nTusin=0\r\n"
-                              u"OrderPT=4\r\nOrderPath=\\orders\r\nOutIP=1\r\nFT01Format=1\r\n"
-                              u"Device=/dev/serial/by-id/usb-FTDI\r\n"_s));
+                   EncodeAnsi(u"[User]\r\nDbPath=\\db\r\nDbConnect=DSN=orders\r\n"
+                              u"JyusinDataPath2=\\data2\r\n[ABMC]\r\nName=血球計数\r\n"
+                              u"Parity=e\r\nStopBits=1.5\r\nTimeOut=abc\r\nDelimiter=2\r\n"
+                              u"IDEntry=2\r\nLog=1\r\nTusin=0\r\nFT01Format=1\r\n"_s));
     Ctx().TimeOutMs = 77;
     ReadSettings(AwIni());
     const RunContext& c = Ctx();
     EXPECT_EQ(c.DbPath, u"\\db"_s);
+    EXPECT_EQ(c.DbConnect, u"DSN=orders"_s);
     EXPECT_EQ(c.JyusinDataPath2, u"\\data2"_s);
-    EXPECT_EQ(c.JyusinWKPath, u"\\wk"_s);
-    EXPECT_EQ(c.InstrumentName, u"血球計数"_s);
     EXPECT_EQ(c.CrpName, u"血球計数"_s);
     EXPECT_EQ(FormCaption(), u"(1190) 血球計数"_s);
-    EXPECT_EQ(c.PortNo, 3);
-    EXPECT_EQ(c.BaudRateNo, 9600);
-    EXPECT_EQ(c.DataBitsNo, 7);
     EXPECT_EQ(c.ParityCode, u"e"_s);
     EXPECT_FLOAT_EQ(c.StopBitsNo, 1.5f);
-    EXPECT_EQ(c.HandshakeCode, u"D"_s);
     EXPECT_EQ(c.TimeOutMs, 77);  // not a number: the field stays
     EXPECT_EQ(c.DelimiterNo, u"2"_s);
     EXPECT_EQ(c.IDEntry, u"2"_s);
+    EXPECT_EQ(c.Log, u"1"_s);
     EXPECT_EQ(c.Tusin, u"0"_s);
-    EXPECT_EQ(c.OrderPT, u"4"_s);
-    EXPECT_EQ(c.OrderPath, u"\\orders"_s);
-    EXPECT_EQ(c.OutIP, u"1"_s);
     EXPECT_EQ(c.FT01Format, QString());  // read for the tonometer only
-    EXPECT_EQ(c.Device, u"/dev/serial/by-id/usb-FTDI"_s);
-}
-
-TEST(Settings, AMissingFileGivesEmptyValues) {
-    TestSite site;
-    Ctx().IniPrefix = u"TN"_s;
-    const AwIni ini;
-    EXPECT_EQ(ini.GetValue(u"User"_s, u"DbPath"_s, QString()), QString());
-    ReadNames(ini);
-    EXPECT_EQ(Ctx().InstrumentName2, QString());
-}
-
-TEST(AwIni, WriteValueKeepsTheFileReadable) {
-    TestSite site;
-    site.writeFile(u"KV_Orbline.ini"_s, "[User]\r\nA=1\r\n\r\n[TNMC]\r\nName=x\r\n");
-    const AwIni ini;
-    ASSERT_TRUE(ini.WriteValue(u"user"_s, u"B"_s, u"  two  "_s));
-    ASSERT_TRUE(ini.WriteValue(u"TNMC"_s, u"name"_s, QString()));
-    ASSERT_TRUE(ini.WriteValue(u"New"_s, u"K"_s, u"v"_s));
-    EXPECT_EQ(ini.GetValue(u"User"_s, u"A"_s, QString()), u"1"_s);
-    EXPECT_EQ(ini.GetValue(u"User"_s, u"B"_s, QString()), u"two"_s);
-    EXPECT_EQ(ini.GetValue(u"TNMC"_s, u"Name"_s, u"gone"_s), QString());
-    EXPECT_EQ(ini.GetValue(u"New"_s, u"K"_s, QString()), u"v"_s);
 }

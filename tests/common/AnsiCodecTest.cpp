@@ -4,7 +4,6 @@
 
 #include <QSet>
 
-#include <random>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -103,15 +102,6 @@ TEST(PortText, OneCharacterPerByteThatEncodesBack) {
     QByteArray all;
     for (int b = 0; b < 256; ++b) all.append(char(b));
     EXPECT_EQ(EncodeAnsi(PortText(all)), all);
-
-    // Random lines off the port, lead bytes split from their trails included.
-    std::mt19937 random(932);
-    std::uniform_int_distribution<int> byte(0, 255);
-    for (int round = 0; round < 2000; ++round) {
-        QByteArray bytes(round % 200, Qt::Uninitialized);
-        for (char& c : bytes) c = char(byte(random));
-        ASSERT_EQ(EncodeAnsi(PortText(bytes)), bytes);
-    }
 }
 
 }  // namespace

@@ -13,20 +13,18 @@ using namespace Qt::StringLiterals;
 using namespace orbline;
 using orbline::test::TestSite;
 
-TEST(MainLog, LineFormInTheCodePageWithBothForms) {
+// The scenario tests compare whole logs of the running process; here the parts they cannot
+// reach: the run mark, a code shorter than four digits, and the console's own text.
+TEST(MainLog, RunMarkShortCodeAndConsoleFormInTheCodePage) {
     TestSite site;
     LogEvent(u"プログラム開始 --   "_s, u"プログラム開始 -- "_s, LogForm::Full);
     Ctx().SampleId = u"123"_s;
     Ctx().RunMark = u"7"_s;
-    LogFileOnly(u"接続終了 -- "_s, LogForm::Short);
     LogFileOnly(u"出力完了(Write) -- "_s, LogForm::Full);
 
     const QByteArray bytes = site.readFile(u"Tesvane2620.log"_s);
-    EXPECT_EQ(
-        DecodeAnsi(bytes),
-        u"【検査： 2620-0-2025-04-16 09:30:15】プログラム開始 -- 2620--:2025-04-16 09:30:15\r\n"
-        u"【検査： 2620-0-2025-04-16 09:30:15】接続終了 -- 2620:2025-04-16 09:30:15\r\n"
-        u"【検査： 2620-0-2025-04-16 09:30:15】出力完了(Write) -- 2620-123-7:2025-04-16 09:30:15\r\n"_s);
+    EXPECT_TRUE(
+        DecodeAnsi(bytes).endsWith(u"】出力完了(Write) -- 2620-123-7:2025-04-16 09:30:15\r\n"_s));
     // Shift-JIS on disk: 【 is 81 79.
     EXPECT_TRUE(bytes.startsWith(QByteArray("\x81\x79", 2)));
     // GLogWrite hands back the finished line; a short code is padded in the file name only.
@@ -81,9 +79,6 @@ TEST(Console, NewestFirstAndCappedAtWholeLines) {
     EXPECT_LE(box.text().size(), 40);
     EXPECT_TRUE(box.text().startsWith(u"line 19\r\n"_s));
     EXPECT_TRUE(box.text().endsWith(u"\r\n"_s));
-    box.clear();
-    box.prepend(u"new"_s);
-    EXPECT_EQ(box.text(), u"new\r\n"_s);
 }
 
 TEST(MonthlyStores, WrittenOnlyWhenLogIsOne) {
@@ -133,30 +128,4 @@ TEST(BlockFiles, HoldTheBytesAsTheyCameAndAreWrittenAnew) {
     Ctx().ReceiveBuffer.put(0, u"short"_s);
     BlockFileOut(site.path(u"c2620"_s), u"c2620"_s, u"0007"_s);
     EXPECT_EQ(site.readFile(u"c2620/c2620_0007.txt"_s), QByteArray("short\r\n"));
-}
-
-TEST(BlockFiles, DataSaveMakesItsFolderAnewForKindOne) {
-    TestSite site;
-    site.writeFile(u"AppOut_2620/old.txt"_s, "old");
-    Ctx().ReceiveBuffer.put(0, u"data"_s);
-    DataSave_XXXX(u"5"_s, 1);
-    EXPECT_FALSE(site.exists(u"AppOut_2620/old.txt"_s));
-    // The kind stands where the number belongs.
-    EXPECT_EQ(site.readFile(u"AppOut_2620/0001.txt"_s), QByteArray("data\r\n"));
-}
-
-TEST(AbnormalEnd, LogsTheTextBetweenTheBracketsAndExitsOne) {
-    TestSite site;
-    Ctx().AbendFlag = 1;
-    Ctx().AbendText = QString();
-    EXPECT_EXIT(GAbendExit(), ::testing::ExitedWithCode(1), "");
-    EXPECT_EQ(
-        DecodeAnsi(site.readFile(u"Tesvane2620.log"_s)),
-        u"【検査： 2620-0-2025-04-16 09:30:15】プログラム異常終了 -- 【  】2620--:2025-04-16 09:30:15\r\n"_s);
-}
-
-TEST(AbnormalEnd, WithoutTheFlagEndsQuietlyWithZero) {
-    TestSite site;
-    EXPECT_EXIT(GAbendExit(), ::testing::ExitedWithCode(0), "");
-    EXPECT_FALSE(site.exists(u"Tesvane2620.log"_s));
 }

@@ -30,9 +30,11 @@ struct SQLiteFile {
     static void Configure(const QString&) { Ctx().DbConnect.clear(); }
 };
 
+// DbPath names a folder without a store: only the connection string can find it.
 struct OdbcSQLite {
     static void Configure(const QString& nativeFile) {
         Ctx().DbConnect = QStringLiteral("Driver=SQLite3;Database=") + nativeFile;
+        Ctx().DbPath = Ctx().DbPath + QStringLiteral("\\none");
     }
 };
 
@@ -78,10 +80,10 @@ class OrderSite {
         EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
     }
 
-    // An order of one instrument with its tests.
+    // An order of one instrument with its tests; extra cells are added or replace those.
     void order(const QString& date, const QString& renban, const QString& code,
                const QString& orderCd, const QStringList& tests, const QString& kana = {},
-               const QString& info = {}) {
+               const QString& info = {}, const Cells& extra = {}) {
         Cells cells{{QStringLiteral("KENSAYMD"), date},
                     {QStringLiteral("RENBAN"), renban},
                     {QStringLiteral("KENSAKIKICD"), code},
@@ -91,6 +93,7 @@ class OrderSite {
                     {QStringLiteral("KENSACNT"), QString::number(tests.size())}};
         for (qsizetype i = 0; i < tests.size(); ++i)
             cells[QStringLiteral("KENSA") + QString::number(i + 1)] = tests[i];
+        for (const auto& [name, value] : extra) cells[name] = value;
         insert(cells);
     }
 

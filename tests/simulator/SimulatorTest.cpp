@@ -49,17 +49,6 @@ TEST(ByteNotation, NoiseHoldsNoControlByteAndChangesFromCallToCall) {
     for (const std::uint8_t b : first) EXPECT_GE(b, 0x20);
 }
 
-TEST(SimScript, CutsACaptureIntoWhatIsAnswered) {
-    const std::vector<Bytes> pieces = CutIntoFrames(FixtureBytes("captures/cobas-e411-query.bin"));
-    ASSERT_GE(pieces.size(), 3u);
-    EXPECT_EQ(pieces.front(), Notation("<ENQ>"));
-    EXPECT_EQ(pieces.back(), Notation("<EOT>"));
-    for (std::size_t i = 1; i + 1 < pieces.size(); ++i) {
-        EXPECT_EQ(pieces[i].front(), 0x02);
-        EXPECT_EQ(pieces[i].back(), 0x0A);
-    }
-}
-
 TEST(SimScript, BadLinesAreReportedWithTheirNumber) {
     const auto message = [](const std::string& text) {
         try {
