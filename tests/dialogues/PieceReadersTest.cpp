@@ -1,22 +1,34 @@
-// The readers from literal bytes: each read in, the pieces that come out.
+// The readers from literal bytes, written in the simulator's notation: each read in, the pieces
+// that come out.
 
 #include "dialogues/PieceReaders.h"
 #include "dialogues/ReadWindow.h"
+#include "support/Frames.h"
 
 #include <gtest/gtest.h>
 
 #include <optional>
 
-using namespace Qt::StringLiterals;
 using namespace orbline;
+using orbline::test::PortBytes;
 
 namespace {
 
+QString B(const char* notation) {
+    return PortBytes(notation);
+}
+
+QStringList Bs(std::initializer_list<const char*> notations) {
+    QStringList out;
+    for (const char* n : notations) out.append(B(n));
+    return out;
+}
+
 // Feeds reads in order and collects what comes out.
 template <typename Reader>
-auto Pieces(Reader& reader, const QStringList& reads) {
+auto Pieces(Reader& reader, std::initializer_list<const char*> reads) {
     QList<typename decltype(Join(reader, QString()))::value_type> out;
-    for (const QString& read : reads)
+    for (const QString& read : Bs(reads))
         if (auto piece = Join(reader, read)) out.append(*piece);
     return out;
 }
@@ -26,163 +38,109 @@ auto Pieces(Reader& reader, const QStringList& reads) {
 TEST(ReadWindow, AReadIsWhatArrivedWithinTheWaitOfItsFirstByte) {
     ReadWindow w{.waitMs = 100};
     EXPECT_EQ(TakeRead(w, 0, QString()), std::nullopt);  // nothing seen, nothing started
-    EXPECT_EQ(TakeRead(w, 5,
-                       u"\x02"
-                       "1H|"_s),
-              std::nullopt);
+    EXPECT_EQ(TakeRead(w, 5, B("<STX>1H|")), std::nullopt);
     EXPECT_EQ(SleepBeforeNextLook(w, 95, 10), 10);
-    EXPECT_EQ(TakeRead(w, 60, u"x"_s), std::nullopt);
+    EXPECT_EQ(TakeRead(w, 60, B("x")), std::nullopt);
     EXPECT_EQ(SleepBeforeNextLook(w, 100, 10), 5);
     // Bytes that came by the read are in it: a second frame shares the read.
-    EXPECT_EQ(TakeRead(w, 105,
-                       u"\r\n\x02"
-                       "2"_s),
-              u"\x02"
-              "1H|x\r\n\x02"
-              "2"_s);
+    EXPECT_EQ(TakeRead(w, 105, B("<CR><LF><STX>2")), B("<STX>1H|x<CR><LF><STX>2"));
     EXPECT_EQ(w.phase, WindowPhase::Idle);
-    // The next byte opens a new window of its own.
-    EXPECT_EQ(TakeRead(w, 300, u"P"_s), std::nullopt);
+    // The next byte opens a window of its own.
+    EXPECT_EQ(TakeRead(w, 300, B("P")), std::nullopt);
     EXPECT_EQ(TakeRead(w, 399, QString()), std::nullopt);
-    EXPECT_EQ(TakeRead(w, 400, QString()), u"P"_s);
+    EXPECT_EQ(TakeRead(w, 400, QString()), B("P"));
 }
 
 TEST(ReadWindow, WithoutAWaitEachLookReadsAndARestKeepsTheNextReadBack) {
     ReadWindow plain;
-    EXPECT_EQ(TakeRead(plain, 0, u"a"_s), u"a"_s);
-    EXPECT_EQ(TakeRead(plain, 1, u"b"_s), u"b"_s);
+    EXPECT_EQ(TakeRead(plain, 0, B("a")), B("a"));
+    EXPECT_EQ(TakeRead(plain, 1, B("b")), B("b"));
 
     ReadWindow resting{.restMs = 100};
-    EXPECT_EQ(TakeRead(resting, 0, u"a"_s), u"a"_s);
-    EXPECT_EQ(TakeRead(resting, 40, u"b"_s), std::nullopt);
-    EXPECT_EQ(TakeRead(resting, 90, u"c"_s), std::nullopt);
-    EXPECT_EQ(TakeRead(resting, 100, QString()), u"bc"_s);
+    EXPECT_EQ(TakeRead(resting, 0, B("a")), B("a"));
+    EXPECT_EQ(TakeRead(resting, 40, B("b")), std::nullopt);
+    EXPECT_EQ(TakeRead(resting, 90, B("c")), std::nullopt);
+    EXPECT_EQ(TakeRead(resting, 100, QString()), B("bc"));
     EXPECT_EQ(TakeRead(resting, 250, QString()), std::nullopt);
     EXPECT_EQ(resting.phase, WindowPhase::Idle);
 }
 
 TEST(PieceReaders, AMessageIsJoinedUpToItsEndMark) {
-    JoinToEnd etx{.mark = u'\x03'};
-    EXPECT_EQ(Pieces(etx, {u"\x02"
-                           "D1"_s,
-                           QString(), u"23\x03"_s, u"\x02R\x03"_s}),
-              (QStringList{u"\x02"
-                           "D123\x03"_s,
-                           u"\x02R\x03"_s}));
+    JoinToEnd etx{.mark = QChar(0x03)};
+    EXPECT_EQ(Pieces(etx, {"<STX>D1", "", "23<ETX>", "<STX>R<ETX>"}),
+              Bs({"<STX>D123<ETX>", "<STX>R<ETX>"}));
     // Noise with no end mark stays in front of the next message.
-    EXPECT_EQ(Pieces(etx, {u"zz"_s,
-                           u"\x02"
-                           "D\x03"_s}),
-              QStringList{u"zz\x02"
-                          "D\x03"_s});
+    EXPECT_EQ(Pieces(etx, {"zz", "<STX>D<ETX>"}), Bs({"zz<STX>D<ETX>"}));
 }
 
 TEST(PieceReaders, AFrameThatBeginsWithStxIsJoinedUpToItsCrLf) {
     JoinToCrLf crlf;
-    EXPECT_EQ(Pieces(crlf, {u"\x05"_s,
-                            u"\x02"
-                            "1H|"_s,
-                            u"x\r"_s, u"\n"_s, u"\x06"_s, u"\x04"_s}),
-              (QStringList{u"\x05"_s,
-                           u"\x02"
-                           "1H|x\r\n"_s,
-                           u"\x06"_s, u"\x04"_s}));
+    EXPECT_EQ(Pieces(crlf, {"<ENQ>", "<STX>1H|", "x<CR>", "<LF>", "<ACK>", "<EOT>"}),
+              Bs({"<ENQ>", "<STX>1H|x<CR><LF>", "<ACK>", "<EOT>"}));
     // A frame cut off for good takes everything after it until a read ends in CR LF.
-    EXPECT_EQ(Pieces(crlf, {u"\x02"
-                            "2P"_s,
-                            u"\x04"_s, u"\x05\r\n"_s}),
-              QStringList{u"\x02"
-                          "2P\x04\x05\r\n"_s});
+    EXPECT_EQ(Pieces(crlf, {"<STX>2P", "<EOT>", "<ENQ><CR><LF>"}),
+              Bs({"<STX>2P<EOT><ENQ><CR><LF>"}));
 }
 
 TEST(PieceReaders, AReportIsChainedByEtbAndEndedByEtx) {
     EtbChain chain;
-    EXPECT_EQ(Pieces(chain, {u"\x02"
-                             "A"_s,
-                             u"a\x17"_s,
-                             u"\x02"
-                             "B\x17"_s,
-                             u"\x02"
-                             "C"_s,
-                             u"c\x03"_s}),
-              (QList<QStringList>{{u"\x02"
-                                   "Aa\x17"_s,
-                                   u"\x02"
-                                   "B\x17"_s,
-                                   u"\x02"
-                                   "Cc\x03"_s}}));
-    EXPECT_EQ(Pieces(chain, {u"\x02"
-                             "only\x03"_s}),
-              QList<QStringList>{{u"\x02"
-                                  "only\x03"_s}});
+    EXPECT_EQ(Pieces(chain, {"<STX>A", "a<ETB>", "<STX>B<ETB>", "<STX>C", "c<ETX>"}),
+              QList<QStringList>{Bs({"<STX>Aa<ETB>", "<STX>B<ETB>", "<STX>Cc<ETX>"})});
+    EXPECT_EQ(Pieces(chain, {"<STX>only<ETX>"}), QList<QStringList>{Bs({"<STX>only<ETX>"})});
     // A frame that does not begin with STX never completes.
     EtbChain wrong;
-    EXPECT_TRUE(Pieces(wrong, {u"x"_s,
-                               u"\x02"
-                               "A\x03"_s})
-                    .isEmpty());
+    EXPECT_TRUE(Pieces(wrong, {"x", "<STX>A<ETX>"}).isEmpty());
     EXPECT_EQ(wrong.phase, ChainPhase::Partial);
     // Eleven frames fit; the twelfth is lost with the report.
     EtbChain longReport;
-    QStringList reads;
-    for (int i = 0; i < 11; ++i)
-        reads.append(
-            u"\x02"
-            "f\x17"_s);
-    reads.append(
-        u"\x02"
-        "last\x03"_s);
-    EXPECT_TRUE(Pieces(longReport, reads).isEmpty());
+    for (int i = 0; i < 11; ++i) EXPECT_FALSE(Join(longReport, B("<STX>f<ETB>")));
+    EXPECT_FALSE(Join(longReport, B("<STX>last<ETX>")));
     EXPECT_EQ(longReport.phase, ChainPhase::Lost);
 }
 
 TEST(PieceReaders, ATonometerBlockIsDecidedByTheEndsOfTheTextInCr) {
     BlockReader r;
-    const BlockStep start = Join(r, u"\x05\r"_s);
+    const BlockStep start = Join(r, B("<ENQ><CR>"));
     ASSERT_TRUE(start.block);
     EXPECT_EQ(start.block->kind, BlockKind::Start);
-    // A block over two reads; its first line ends in CR but is no block yet.
-    const BlockStep line = Join(r, u"[IOP]\r"_s);
+    // A block over several reads; its first line ends in CR but is no block yet.
+    const BlockStep line = Join(r, B("[IOP]<CR>"));
     EXPECT_TRUE(line.endsInCr);
     EXPECT_FALSE(line.block);
-    EXPECT_FALSE(Join(r, u" 15"_s).endsInCr);
-    const BlockStep data = Join(r, u"\r\x03\r"_s);
+    EXPECT_FALSE(Join(r, B(" 15")).endsInCr);
+    const BlockStep data = Join(r, B("<CR><ETX><CR>"));
     ASSERT_TRUE(data.block);
     EXPECT_EQ(data.block->kind, BlockKind::Data);
-    EXPECT_EQ(data.block->text, u"[IOP]\r 15\r\x03\r"_s);
+    EXPECT_EQ(data.block->text, B("[IOP]<CR> 15<CR><ETX><CR>"));
     // Two blocks in one read are one text: only its end decides.
-    const BlockStep both = Join(r, u"a\x03\rb\x04\r"_s);
+    const BlockStep both = Join(r, B("a<ETX><CR>b<EOT><CR>"));
     ASSERT_TRUE(both.block);
     EXPECT_EQ(both.block->kind, BlockKind::Final);
     // An ETX only inside the text leaves it waiting.
-    EXPECT_FALSE(Join(r, u"x\x03y\r"_s).block);
-    EXPECT_EQ(r.text, u"x\x03y\r"_s);
+    EXPECT_FALSE(Join(r, B("x<ETX>y<CR>")).block);
+    EXPECT_EQ(r.text, B("x<ETX>y<CR>"));
 }
 
 TEST(PieceReaders, TheSecondByteTellsTheFrameAndTheLastFrameMarkCarriesOn) {
     SecondByteFrames f;
     struct Step {
-        QString read;
+        const char* read;
         FrameKind kind;
         bool last;
     };
     const Step steps[] = {
-        {u"\x02"
-         "1data\x03"_s,
-         FrameKind::Data, false},
-        {u"\x02>\x03"_s, FrameKind::Poll, false},
-        {u"\x02;inquiry\x03"_s, FrameKind::Inquiry, true},
+        {"<STX>1data<ETX>", FrameKind::Data, false},
+        {"<STX>><ETX>", FrameKind::Poll, false},
+        {"<STX>;inquiry<ETX>", FrameKind::Inquiry, true},
         // After an inquiry a data frame of any other second byte ends its message.
-        {u"\x02"
-         "2data\x03"_s,
-         FrameKind::Data, true},
-        {u"noise"_s, FrameKind::NoStx, false},
-        {u"\x02:last\x03"_s, FrameKind::Data, true},
-        {u"\x02"_s, FrameKind::Data, true},
+        {"<STX>2data<ETX>", FrameKind::Data, true},
+        {"noise", FrameKind::NoStx, false},
+        {"<STX>:last<ETX>", FrameKind::Data, true},
+        {"<STX>", FrameKind::Data, true},
     };
     for (const Step& s : steps) {
-        const KindedFrame k = ClassifyFrame(f, s.read);
-        EXPECT_EQ(k.kind, s.kind) << s.read.toStdString();
-        EXPECT_EQ(k.lastFrame, s.last) << s.read.toStdString();
+        const KindedFrame k = ClassifyFrame(f, B(s.read));
+        EXPECT_EQ(k.kind, s.kind) << s.read;
+        EXPECT_EQ(k.lastFrame, s.last) << s.read;
     }
 }

@@ -40,10 +40,6 @@ void WithStore(LinkProcess& link, Work work) {
 
 }  // namespace
 
-std::string Frame(const std::string& text, const std::string& end) {
-    return "<STX>" + text + end + "<SUM><CR><LF>";
-}
-
 void StartInstrument(LinkProcess& link, const QString& code, const QString& name,
                      const QString& extraKeys) {
     link.instrumentName = name;

@@ -3,6 +3,7 @@
 // piece and acknowledged, the host's frames expected byte for byte, and orders put into the
 // site's order store as the laboratory system would leave them.
 
+#include "support/Frames.h"
 #include "support/LinkProcess.h"
 
 #include <QString>
@@ -12,9 +13,6 @@
 #include <string>
 
 namespace orbline::test {
-
-// "<STX>" + text + end + "<SUM><CR><LF>" in the simulator's notation.
-std::string Frame(const std::string& text, const std::string& end = "<ETX>");
 
 // Settings with the instrument's name and the extra keys, the process started for the code, and
 // its wait for the line reached.
