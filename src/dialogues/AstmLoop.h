@@ -23,6 +23,12 @@ struct AstmMemory : DialogueMemory {
     bool answering = false;
 };
 
+// The loop's view of the memory of a dialogue of type T.
+template <typename T>
+AstmMemory& AstmMemoryOf() {
+    return MemoryOf<T>();
+}
+
 struct AstmDialogue {
     QStringView folder;  // work folder in AppPath, "c980"
     QStringView prefix;  // piece file prefix, "c980"

@@ -21,10 +21,6 @@ Memory0980& Memory() {
     return MemoryOf<Memory0980>();
 }
 
-AstmMemory& AsAstmMemory() {
-    return Memory();
-}
-
 bool Edit0980(std::int16_t pieceCount) {
     const Message0980 message = EditResult0980(pieceCount);
     Memory0980& memory = Memory();
@@ -57,7 +53,7 @@ constexpr OrderPoller kPollers[] = {{&RunContext::OrderPath, 1000, &TakeOrders09
 const AstmDialogue kDialogue0980{
     .folder = u"c980",
     .prefix = u"c980",
-    .memory = &AsAstmMemory,
+    .memory = &AstmMemoryOf<Memory0980>,
     .pollers = kPollers,
     .checkReceive = &CheckReceive0980,
     .checkReply = &CheckReply0980,

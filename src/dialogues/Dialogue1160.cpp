@@ -18,10 +18,6 @@ Memory1160& Memory() {
     return MemoryOf<Memory1160>();
 }
 
-AstmMemory& AsAstmMemory() {
-    return Memory();
-}
-
 bool Edit1160(std::int16_t pieceCount) {
     const Message1160 message = EditResult1160(pieceCount);
     Memory().queryKey = message.queryKey.value_or(QString());
@@ -42,7 +38,7 @@ QString Record(RecordKind kind, const QString& frameNo, const OrderAnswer& answe
 const AstmDialogue kDialogue1160{
     .folder = u"c1160",
     .prefix = u"c1160",
-    .memory = &AsAstmMemory,
+    .memory = &AstmMemoryOf<Memory1160>,
     .clearsMarkOnEntry = true,
     .checkReceive = &CheckReceive1160,
     .checkReply = &CheckReply1160,

@@ -20,10 +20,6 @@ Memory1190& Memory() {
     return MemoryOf<Memory1190>();
 }
 
-AstmMemory& AsAstmMemory() {
-    return Memory();
-}
-
 bool Edit1190(std::int16_t pieceCount) {
     const Message1190 message = EditResult1190(pieceCount);
     if (!message.query) return false;
@@ -59,7 +55,7 @@ constexpr OrderPoller kPollers[] = {{&RunContext::OrderPath, 100, &TakeOrders119
 const AstmDialogue kDialogue1190{
     .folder = u"c1190",
     .prefix = u"c1190",
-    .memory = &AsAstmMemory,
+    .memory = &AstmMemoryOf<Memory1190>,
     .pollers = kPollers,
     .checkReceive = &CheckReceive1190,
     .checkReply = &CheckReply1190,

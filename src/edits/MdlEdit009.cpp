@@ -141,12 +141,8 @@ Message0980 EditResult0980(std::int16_t pieceCount) {
     c.KensaTime = message.kensaTime;
     if (message.query) return message;
 
-    QString lines;
-    bool lineBuilt = false;
-    const bool complete = PassOver([&] { lines = ResultLines0980(message, settings, &lineBuilt); });
-    if (lineBuilt) c.RunMark = settings.runMarkDefault;
-    // A value that breaks the lines off leaves no file, as a failed step always has.
-    if (complete) WriteAndDeliver(lines, DeliveryNames::OneBurnt);
+    BuildAndDeliver([&](bool* lineBuilt) { return ResultLines0980(message, settings, lineBuilt); },
+                    DeliveryNames::OneBurnt);
     return message;
 }
 

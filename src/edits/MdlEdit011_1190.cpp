@@ -221,12 +221,8 @@ Message1190 EditResult1190(std::int16_t pieceCount) {
     c.RunMark = u"0"_s;
     if (message.query) return message;
 
-    QString lines;
-    bool lineBuilt = false;
-    const bool complete = PassOver([&] { lines = ResultLines1190(message, settings, &lineBuilt); });
-    if (lineBuilt) c.RunMark = settings.runMarkDefault;
-    // A value that breaks the lines off leaves no file, as a failed step always has.
-    if (complete) WriteAndDeliver(lines, DeliveryNames::One);
+    BuildAndDeliver([&](bool* lineBuilt) { return ResultLines1190(message, settings, lineBuilt); },
+                    DeliveryNames::One);
     return message;
 }
 

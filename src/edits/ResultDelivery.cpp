@@ -21,4 +21,13 @@ void WriteAndDeliver(const QString& lines, DeliveryNames names) {
     PassOver([&] { DeliverWorkFile(workPath, FailedMove::PassedOver); });
 }
 
+void BuildAndDeliver(const std::function<QString(bool* lineBuilt)>& buildLines,
+                     DeliveryNames names) {
+    QString lines;
+    bool lineBuilt = false;
+    const bool complete = PassOver([&] { lines = buildLines(&lineBuilt); });
+    if (lineBuilt) Ctx().RunMark = Ctx().RunMarkDefault;
+    if (complete) WriteAndDeliver(lines, names);
+}
+
 }  // namespace orbline

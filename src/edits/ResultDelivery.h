@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace orbline {
 
 // How many delivery names an edit asks for: the 0980 edit asks for one before it looks at the
@@ -13,5 +15,11 @@ enum class DeliveryNames { One, OneBurnt };
 // The result lines into a new work file and on to the delivery folder; an empty file is deleted
 // there. A move that fails leaves the work file and still logs "出力完了(Write) -- ".
 void WriteAndDeliver(const QString& lines, DeliveryNames names);
+
+// Builds the lines, then writes and delivers them as above. The run mark of the log lines
+// becomes RunMarkDefault once a line is built; lines that break off part-way (a run-time error
+// in a value) leave no file, as a failed step always has.
+void BuildAndDeliver(const std::function<QString(bool* lineBuilt)>& buildLines,
+                     DeliveryNames names);
 
 }  // namespace orbline
