@@ -381,4 +381,8 @@ QString FormatOwnDecimals(const QString& value) {
     return FormatNumber(value, MakeNumberMask(length, DecimalPointPos(value)));
 }
 
+void CountUp(std::int16_t& counter) {
+    if (counter < std::numeric_limits<std::int16_t>::max()) counter += 1;
+}
+
 }  // namespace orbline

@@ -45,6 +45,10 @@ QString FormatOwnDecimals(const QString& value);
 // Conversions of a setting to a number. Absent when the text is not numeric or the number does
 // not fit. Integers round half to even, as the runtime's conversion does.
 std::optional<std::int32_t> ToInt32(const QString& text);
+
+// Adds 1 to a 16-bit counter. Past the range the addition fails and is passed over, so the
+// counter stays at its last value.
+void CountUp(std::int16_t& counter);
 std::optional<float> ToSingle(const QString& text);
 std::optional<double> ToDouble(const QString& text);
 

@@ -1,17 +1,12 @@
 #include "dialogues/AstmAnswer.h"
 
-#include <limits>
+#include "common/Numbers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace orbline {
 
 namespace {
-
-// 16-bit counters: an addition past the range fails and is passed over, so they stay there.
-void CountUp(std::int16_t& counter) {
-    if (counter < std::numeric_limits<std::int16_t>::max()) counter += 1;
-}
 
 struct Plan {
     const AstmAnswerShape& shape;

@@ -12,7 +12,6 @@
 #include "edits/PieceFiles.h"
 #include "serial/AwComm.h"
 
-#include <limits>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -23,11 +22,6 @@ namespace {
 
 // The idle round of every dialogue.
 constexpr int kRoundMs = 10;
-
-// 16-bit counters: an addition past the range fails and is passed over, so they stay there.
-void CountUp(std::int16_t& counter) {
-    if (counter < std::numeric_limits<std::int16_t>::max()) counter += 1;
-}
 
 // A code that is no 16-bit number fails this step alone; the dialogue goes on.
 void Trace(const QString& text, const QString& stamp) {

@@ -50,7 +50,7 @@ void BeginCommLoop2620() {
 
         // Every text ending in CR counts, also one that stays in the reader; above the 16-bit
         // range the count stops and the last number is written on.
-        if (blockSeq < 32767) blockSeq += 1;
+        CountUp(blockSeq);
         if (blockSeq == 1) {
             // The block files of an earlier session go with the first text of this one.
             workFolder = c.AppPath + u"\\c2620"_s;

@@ -1,18 +1,16 @@
 #include "dialogues/OrderPolls.h"
 
+#include "common/Numbers.h"
 #include "common/Paths.h"
 #include "common/ResultFile.h"
 #include "common/Text.h"
-
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
 namespace orbline {
 
 bool CountPollRound(std::int16_t& count, std::int16_t every) {
-    // A 16-bit count that would pass its range stays where it is.
-    if (count < std::numeric_limits<std::int16_t>::max()) count += 1;
+    CountUp(count);
     if (count < every) return false;
     count = 0;
     return true;
