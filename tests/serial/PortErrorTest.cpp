@@ -1,6 +1,6 @@
-// Why a port cannot be opened: the one translation of the system's error codes, and a port that
-// another opener holds. The refused formats are in AwCommTest; a missing device and a port held
-// by another process, as the logs tell them, in SessionEndsTest.
+// Why a port cannot be opened: the one translation of the system's error codes. The refused
+// formats are in AwCommTest; a missing device and a held port, as the logs tell them, in
+// SessionEndsTest.
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,6 @@
 #include <set>
 
 #include "serial/AwComm.h"
-#include "support/LineHarness.h"
 
 namespace orbline {
 namespace {
@@ -31,25 +30,6 @@ TEST(PortError, TranslatesErrnoToAKindWithTheSystemsOwnWords) {
     }
     // The system's words for each code, not one text for all.
     EXPECT_EQ(texts.size(), std::size(table));
-}
-
-// Refused at the open by TIOCEXCL or, for root, at the lock; the record of an open that
-// succeeds is clear.
-TEST(PortError, AHeldPortIsBusyUntilItsHolderClosesIt) {
-    test::LineHarness harness;
-    AwComm holder;
-    AwComm second;
-    holder.SetDevicePath(harness.device());
-    second.SetDevicePath(harness.device());
-    ASSERT_TRUE(holder.OpenPort1());
-    EXPECT_FALSE(second.OpenPort1());
-    const PortFailure& held = second.LastError();
-    EXPECT_EQ(held.kind, PortError::Busy) << DescribePortFailure(held);
-    EXPECT_TRUE(held.step == PortStep::Open || held.step == PortStep::Lock);
-
-    ASSERT_TRUE(holder.ClosePort());
-    EXPECT_TRUE(second.OpenPort1());
-    EXPECT_EQ(second.LastError().kind, PortError::None);
 }
 
 }  // namespace
