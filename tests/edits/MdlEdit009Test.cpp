@@ -50,7 +50,6 @@ TEST(Parse0980, SampleNumberAndTheFixedNumberRule) {
     EXPECT_EQ(Sample(u"0012-34^X"_s), u"1234"_s);
     EXPECT_EQ(Sample(u""_s), u"0"_s);
     EXPECT_EQ(Sample(u"^X"_s), u""_s);
-    EXPECT_EQ(Sample(u"A-01"_s), u"A01"_s);
     EXPECT_EQ(Sample(u"00012345678901234567890"_s), u"12345678901234567890"_s);
     EXPECT_EQ(Sample(u"001234"_s, {u"2"_s, {}}), u""_s);
     EXPECT_EQ(Sample(u"001234"_s, {u"0"_s, u"F77"_s}), u"F77"_s);
