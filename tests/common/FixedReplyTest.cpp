@@ -1,8 +1,6 @@
-#include "common/AwCommText.h"
 #include "common/FixedReply.h"
 #include "common/Form.h"
 #include "common/FormLists.h"
-#include "common/RunContext.h"
 #include "serial/AwComm.h"
 #include "support/LineHarness.h"
 #include "support/TestSite.h"
@@ -24,29 +22,21 @@ TEST(ConvertToBinary, HexadecimalDecimalAndCharacterModes) {
     EXPECT_EQ(ConvertToBinary(u"   "_s, 0), QByteArray());
     EXPECT_EQ(ConvertToBinary(u"2 6 13 256 x"_s, 1), QByteArray("\x02\x06\x0D\0\0", 5));
     EXPECT_EQ(ConvertToBinary(u"A\u0080B\u30A2"_s, 2), QByteArray("AB\xA2"));
-    EXPECT_EQ(GetByteArrayLength(ConvertToBinary(QString(), 0)), 0);
 }
 
-TEST(SendFixedReply, WritesTheTableTextThroughTheSendPane) {
+// The bytes of each reply on the line are the scenarios'; here the send pane around them.
+TEST(SendFixedReply, ReadsTheTextInThePanesModeAndEmptiesThePane) {
     TestSite site;
     LineHarness harness;
     FillLineLists();
     Form().comm().SetDevicePath(harness.device());
     ASSERT_TRUE(Form().comm().OpenPort1());
-
-    // Nothing was set yet: the empty text writes nothing.
-    SendFixedReply(FixedReply::Prepared);
     SendFixedReply(FixedReply::AckCr);
     EXPECT_EQ(harness.line.receive(2, std::chrono::seconds(2)), Notation("<ACK><CR>"));
-    // A code outside the table sends the last text again; a frame put in SendBytes goes as is.
-    SendFixedReply(static_cast<FixedReply>(9));
-    Ctx().SendBytes = "02 3E 03";
-    SendFixedReply(FixedReply::Prepared);
-    EXPECT_EQ(harness.line.receive(5, std::chrono::seconds(2)), Notation("<ACK><CR><STX>><ETX>"));
     EXPECT_EQ(Form().sendBytes.count, 0);
     EXPECT_EQ(Form().labelBytesW, u"0"_s);
 
-    // The send pane's mode decides how the text is read: in the character mode the digits go.
+    // In the character mode the digits of the table's text go.
     Form().comboModeW.position = 2;
     SendFixedReply(FixedReply::Ack);
     EXPECT_EQ(harness.line.receive(2, std::chrono::seconds(2)), Notation("06"));
