@@ -37,16 +37,6 @@ QString ResultRecordLine(const ResultFields& f) {
     return fields.join(u',');
 }
 
-QString ResultRecord() {
-    RunContext& c = Ctx();
-    c.ResultValue = CleanedValue(c.ResultValue);
-    c.ResultLine = ResultRecordLine(
-        {c.KensaDate, c.KensaTime, c.RunMark, c.SampleId, c.InstrumentCode, c.InstrumentName,
-         c.SampleSeq, c.ItemCode, c.ItemName, c.JudgeFlag, c.Judge1, c.Judge2, c.Extra1,
-         c.ResultValue, c.ResultUnit, c.ResultKind, c.Extra2, c.Extra3, c.ResultComment});
-    return c.ResultLine;
-}
-
 void MakeOutFileEx(const QString& folder, QString& path, const QString& prefix) {
     RunContext& c = Ctx();
     if (!FolderExists(folder)) MakeFolder(folder);

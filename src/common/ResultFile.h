@@ -39,10 +39,6 @@ struct ResultFields {
 // their full-width forms. No other field is cleaned, so a comma in one shifts the fields.
 QString ResultRecordLine(const ResultFields& fields);
 
-// The same line of the RunContext fields: cleans ResultValue in place, builds the line into
-// ResultLine and returns it.
-QString ResultRecord();
-
 // folder\code-prefix-stampserial~KVB.csv, stamp "YYYYMMDDHHMMDD", serial OutSerial in "00000"
 // after adding 1. Makes the folder (one level) when missing and deletes a file of that name.
 void MakeOutFile(const QString& folder, QString& path);

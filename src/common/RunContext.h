@@ -76,25 +76,14 @@ struct RunContext {
     BoundedArray<QString> BlockList{5000};
     std::int16_t BlockCount = 0;
     QByteArray SendBytes;
-    QString ResultLine;
 
+    // What the log lines read of the message an edit took (SampleId and RunMark, in the full
+    // form), and the examination time some edits keep for the message after it. The records
+    // themselves are values of the edits (ResultFields), not fields of the context.
     QString KensaDate;
     QString KensaTime;
     QString RunMark;
     QString SampleId;
-    QString SampleSeq;
-    QString ItemCode;
-    QString ItemName;
-    QString JudgeFlag;
-    QString Judge1;
-    QString Judge2;
-    QString Extra1;
-    QString ResultValue;
-    QString ResultUnit;
-    QString ResultKind;
-    QString Extra2;
-    QString Extra3;
-    QString ResultComment;
 
     BoundedArray<QString> ItemNames{500};
     BoundedArray<QString> ItemCodes{500};

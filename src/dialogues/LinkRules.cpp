@@ -88,10 +88,6 @@ QString SumCheckNegated(const QString& text) {
     return SumText(256 - SumOfRange(text, 2, text.size() - 3));
 }
 
-QString SumCheckPlain(const QString& text) {
-    return SumText(SumOfRange(text, 2, text.size() - 4));
-}
-
 QString FrameHexText(const QString& recordText, FrameEnd end) {
     const QString sum = SumCheckSend(recordText, end);
     QString hex = u"02 "_s;

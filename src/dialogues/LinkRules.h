@@ -40,10 +40,9 @@ QString TextToHexDump(const QString& frameText);
 // The checksum of a host frame: the record's codes ("@" counting 13) and the end code, each
 // addition reduced by 256 only when the sum is above 256, so a sum of exactly 256 gives "100".
 QString SumCheckSend(const QString& recordText, FrameEnd end);
-// Checks over received text: 256 minus the sum of positions 2 to length - 3, and the plain sum
-// of positions 2 to length - 4. Two digits at least.
+// The check of a received frame: 256 minus the sum of positions 2 to length - 3, two digits at
+// least. (The frame dialogues 0980, 1160 and 1190 never compare a received checksum.)
 QString SumCheckNegated(const QString& text);
-QString SumCheckPlain(const QString& text);
 
 // The notation of a whole host frame: STX, the converted record, ETB or ETX, the first and the
 // last digit of the checksum, CR LF.

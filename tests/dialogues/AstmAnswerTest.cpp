@@ -75,10 +75,10 @@ TEST(AstmAnswer, A0980AnswerRunsHeaderPatientOrderTerminatorThenEot) {
 }
 
 // Refused: nothing after the ENQ, the header again with a blank and the next number, the
-// patient looked up again, nothing after the first of two frames; the third refusal of the
-// phase ends it without a log line, ACKs between them or not.
+// patient looked up again; the third refusal of the phase ends it without a log line, ACKs
+// between them or not. (A refused first part of two: Astm0980Test.)
 TEST(AstmAnswer, ARepeatingInstrumentGetsTheFrameAgainWithTheNextNumber) {
-    Answer a{.shape = {.retry = RetryRule::RepeatFrame}, .records = Records(300)};
+    Answer a{.shape = {.retry = RetryRule::RepeatFrame}};
     BeginAnswer(a.state);
     EXPECT_EQ(a.reply(kNak), kNothing);
     EXPECT_EQ(a.reply(kAck), Frame(u"1H@"_s, FrameEnd::Etx, true));
@@ -88,18 +88,13 @@ TEST(AstmAnswer, ARepeatingInstrumentGetsTheFrameAgainWithTheNextNumber) {
     EXPECT_EQ(a.reply(kNak), kEot);
     EXPECT_EQ(a.state.stage, SendStage::Nothing);
 
-    Answer b{.shape = {.retry = RetryRule::RepeatFrame}, .records = Records(300)};
+    Answer b{.shape = {.retry = RetryRule::RepeatFrame}};
     BeginAnswer(b.state);
     b.reply(kAck);
     b.reply(kAck);
     b.looked(u"T"_s);
     EXPECT_EQ(b.reply(kNak), PlanActions{RunLookup{}});
     EXPECT_EQ(b.looked(u"U"_s), Frame(u"3P|U@"_s, FrameEnd::Etx, true));
-    const PlanActions first = b.reply(kAck);
-    ASSERT_EQ(first.size(), 1u);
-    EXPECT_EQ(std::get<SendRecord>(first[0]).text.size(), 235);
-    EXPECT_EQ(b.reply(kNak), kNothing);
-    EXPECT_EQ(b.state.stage, SendStage::FirstOfTwo);
 }
 
 TEST(AstmAnswer, AnAskingInstrumentGetsEnqAndLosesTheRefusedFrame) {
