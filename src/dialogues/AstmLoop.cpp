@@ -2,6 +2,7 @@
 
 #include "common/AwCommText.h"
 #include "common/Clock.h"
+#include "common/Diagnostics.h"
 #include "common/EventYield.h"
 #include "common/FixedReply.h"
 #include "common/Logging.h"
@@ -12,6 +13,7 @@
 #include "edits/PieceFiles.h"
 #include "serial/AwComm.h"
 
+#include <filesystem>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -22,6 +24,13 @@ namespace {
 
 // The idle round of every dialogue.
 constexpr int kRoundMs = 10;
+
+// The name, or name-2, name-3, ... where a folder of that name is there already.
+QString FreeFolderName(const QString& name) {
+    QString free = name;
+    for (int n = 2; FolderExists(free) && n < 1000; ++n) free = name + u"-"_s + QString::number(n);
+    return free;
+}
 
 // A code that is no 16-bit number fails this step alone; the dialogue goes on.
 void Trace(const QString& text, const QString& stamp) {
@@ -74,6 +83,9 @@ struct AstmRun {
     void TakePiece(const QString& piece) {
         switch (d.checkReceive(piece)) {
             case PieceKind::Enq:
+                // An ENQ inside a transmission: the one before never ended, and its pieces must
+                // not become part of this one's result.
+                if (pieceCount > 0) SetAsideIncomplete();
                 eotFlag = 0;
                 break;
             case PieceKind::Eot:
@@ -105,6 +117,26 @@ struct AstmRun {
         }
         pieceCount = 0;
         if (d.ackEotPiece) SendFixedReply(FixedReply::Ack);
+    }
+
+    // The pieces of a transmission that ended without EOT go to a folder of their own beside
+    // the work folder, where no edit reads them and no new transmission erases them.
+    void SetAsideIncomplete() {
+        const QString folder = PieceFolder(d.folder.toString());
+        const QString parent = folder + u"_incomplete"_s;
+        if (!FolderExists(parent)) MakeFolder(parent);
+        const QString aside = FreeFolderName(parent + u"\\"_s + stamp);
+        std::error_code error;
+        std::filesystem::rename(FsPath(folder), FsPath(aside), error);
+        LogEvent(u"受信未完了(退避) --  "_s, u"受信未完了(退避) -- "_s, LogForm::Short);
+        // Pieces that cannot be moved go with the new transmission's folder: lost, but never
+        // read into its result.
+        Diagnose(u"a transmission of "_s + QString::number(pieceCount) +
+                 u" pieces ended without EOT before a new ENQ; its pieces "_s +
+                 (error ? u"could not be kept ("_s + QString::fromStdString(error.message()) +
+                              u") and are dropped"_s
+                        : u"are kept in "_s + NativePath(aside)));
+        pieceCount = 0;
     }
 
     // The host answers: every piece is the reply to its last frame.
