@@ -34,11 +34,11 @@ TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLine
     TestSite& site = this->site();
     site.writeFile(u"orders/1650other.csv"_s,
                    OrderLine(u"20250416"_s, u"9"_s, u"K9"_s, u"1650"_s, {u"PT"_s}));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     EXPECT_TRUE(this->store.mainLog(u"1660"_s).isEmpty());
     EXPECT_FALSE(site.exists(u"WkOrder1660.txt"_s));
     site.writeFile(u"orders/1660empty.csv"_s, "");
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     EXPECT_FALSE(site.exists(u"orders/1660empty.csv"_s));
 
     site.writeFile(u"orders/1660a.csv"_s,
@@ -47,7 +47,7 @@ TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLine
                        "\r\n\r\n" + EncodeAnsi(u"20250416,2,0930,K2,1660,山田 太郎\r\n"_s));
     site.writeFile(u"orders/sub/1660ABC.CSV"_s,
                    OrderLine(u"20250416"_s, u"3"_s, u"K3"_s, u"1660"_s, {u"Na"_s}));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
 
     const auto rows = this->store.rows();
     ASSERT_EQ(rows.size(), 4u);
@@ -86,7 +86,7 @@ TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormer
     while (tests.size() < 45) tests.append(u"Na"_s);
     this->site().writeFile(u"orders/1660a.csv"_s,
                            OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s, u"1660"_s, tests));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     auto rows = this->store.rows();
     ASSERT_EQ(rows.size(), 1u);
     EXPECT_EQ(Cell(rows[0], "ORDERCD"), u"O'Brien"_s);
@@ -105,7 +105,7 @@ TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormer
     SetFixedNow("2025-04-16 10:00:00");
     this->site().writeFile(u"orders/1660b.csv"_s, OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s,
                                                             u"1660"_s, {u"UN"_s, u"unknown"_s}));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     rows = this->store.rows(u"KENSAYMD = '20250416'"_s);
     ASSERT_EQ(rows.size(), 1u);
     EXPECT_EQ(Cell(rows[0], "KENTAICMT"), u"20250416100000"_s);
@@ -122,7 +122,7 @@ TYPED_TEST(OrderIntakeTest, LinesPastTheStagingTableAreAllStored) {
     for (int i = 1; i <= 1005; ++i)
         file += OrderLine(u"20250416"_s, QString::number(i), u"K"_s, u"1660"_s, {u"Na"_s}) + "\r\n";
     this->site().writeFile(u"orders/1660big.csv"_s, file);
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     const auto rows = this->store.rows(u"RENBAN IN ('1', '1000', '1001', '1005')"_s);
     ASSERT_EQ(rows.size(), 4u);
     for (const auto& row : rows) EXPECT_EQ(Cell(row, "KENSA1"), u"989"_s);
@@ -160,7 +160,7 @@ TEST(OrderIntake, EachInstrumentTakesItsOwnFilesWithItsOwnTable) {
         Ctx().OrderPath2 = s.site.path(u"orders2"_s);
         s.site.writeFile(
             c.file, OrderLine(u"20250416"_s, u"1"_s, u"K"_s, c.code, c.tests.split(u',')) + "\r\n");
-        c.take();
+        TakeSettled(c.take);
         const auto rows = s.rows();
         ASSERT_EQ(rows.size(), 1u);
         EXPECT_EQ(Cell(rows[0], "KENSACNT"), u"1"_s);
