@@ -103,14 +103,17 @@ LatestOrder FindLatestOrder(const QString& keyColumn, const QString& key,
         query.setForwardOnly(true);
         // Only the columns read: a row of T_ORDER has over a hundred, and each one fetched
         // costs more than finding the row.
-        query.prepare(u"SELECT "_s + columns.join(u", "_s) + u" FROM T_ORDER WHERE "_s + keyColumn +
-                      u" = ? AND KENSAKIKICD = ? AND KENSAYMD >= ? AND KENSAYMD <= ?"_s
-                      u" ORDER BY KENSAYMD DESC, RENBAN DESC"_s);
+        const bool prepared = query.prepare(
+            u"SELECT "_s + columns.join(u", "_s) + u" FROM T_ORDER WHERE "_s + keyColumn +
+            u" = ? AND KENSAKIKICD = ? AND KENSAYMD >= ? AND KENSAYMD <= ?"_s
+            u" ORDER BY KENSAYMD DESC, RENBAN DESC"_s);
         query.addBindValue(key);
         query.addBindValue(instrumentCode);
         query.addBindValue(from);
         query.addBindValue(to);
-        found.failed = !ExecOrderQuery(query);
+        // Under a lock, reading the table's layout fails already.
+        if (!prepared) NoteOrderDbFailure(u"SELECT: "_s + query.lastError().text());
+        found.failed = !prepared || !ExecOrderQuery(query);
         if (!found.failed && query.next()) {
             found.row = query.record();
         } else if (!found.failed && query.lastError().isValid()) {

@@ -174,3 +174,96 @@ TEST(OrderIntake, EachInstrumentTakesItsOwnFilesWithItsOwnTable) {
         }
     }
 }
+
+// A file written as the laboratory system goes: a poll that finds it grown, or touched, or
+// empty and still being written, leaves it; the first that finds it as the poll before did
+// takes it whole.
+TEST(OrderIntake, AFileIsTakenWholeOnlyOnceAPollFindsItUnchanged) {
+    OrderSite s;
+    Ctx().InstrumentCode = u"1660"_s;
+    Ctx().OrderPath = s.site.path(u"orders"_s);
+    const auto write = [&](const QString& name, const QByteArray& bytes, int minute) {
+        s.site.writeFile(u"orders/"_s + name, bytes);
+        QFile f(s.site.native(u"orders/"_s + name));
+        ASSERT_TRUE(f.open(QIODevice::Append));
+        ASSERT_TRUE(f.setFileTime(QDateTime(QDate(2025, 4, 16), QTime(9, minute)),
+                                  QFileDevice::FileModificationTime));
+    };
+    const auto line = [](const char* key) {
+        return OrderLine(u"20250416"_s, u"1"_s, QString::fromLatin1(key), u"1660"_s, {u"Na"_s}) +
+               "\r\n";
+    };
+    write(u"1660.csv"_s, line("K1"), 0);
+    write(u"1660e.csv"_s, "", 0);
+    TakeOrders1660();
+    write(u"1660.csv"_s, line("K1") + line("K2"), 0);
+    write(u"1660e.csv"_s, line("K3"), 0);
+    TakeOrders1660();
+    EXPECT_TRUE(s.rows().empty());
+    EXPECT_TRUE(s.site.exists(u"orders/1660e.csv"_s));
+    EXPECT_TRUE(s.mainLog(u"1660"_s).isEmpty());
+
+    write(u"1660.csv"_s, line("K1") + line("K2"), 1);
+    TakeOrders1660();
+    EXPECT_EQ(s.rows().size(), 1u);
+    EXPECT_TRUE(s.site.exists(u"orders/1660.csv"_s));
+    TakeOrders1660();
+    EXPECT_EQ(s.rows().size(), 3u);
+    EXPECT_FALSE(s.site.exists(u"orders/1660.csv"_s));
+    EXPECT_EQ(s.mainLog(u"1660"_s).count(u"】オーダデータ取得完了(Edit) -- 1660--:"_s), 2);
+}
+
+// CR LF, CR and LF alone each end a line, and a blank line is still a row.
+TEST(OrderIntake, CrLfCrAndLfFilesGiveTheSameRows) {
+    for (const QByteArray end : {"\r\n", "\r", "\n"}) {
+        OrderSite s;
+        Ctx().InstrumentCode = u"1660"_s;
+        Ctx().OrderPath = s.site.path(u"orders"_s);
+        s.site.writeFile(u"orders/1660.csv"_s,
+                         OrderLine(u"20250416"_s, u"1"_s, u"K1"_s, u"1660"_s, {u"Na"_s, u"K"_s}) +
+                             end + end +
+                             OrderLine(u"20250416"_s, u"2"_s, u"K2"_s, u"1660"_s, {u"Cl"_s}) + end);
+        TakeSettled(TakeOrders1660);
+        QStringList rows;
+        for (const auto& row : s.rows())
+            rows.append(Cell(row, "ORDERCD") + u":"_s + Cell(row, "KENSACNT") + u":"_s +
+                        Cell(row, "KENSA1") + u":"_s + Cell(row, "KENSA2"));
+        EXPECT_EQ(rows, (QStringList{u":0::"_s, u"K1:2:989:990"_s, u"K2:1:991:"_s}))
+            << end.toHex().toStdString();
+    }
+}
+
+// The store refuses one line (as a server database's rule may): the other lines of its batch
+// are stored, the file stays beside as ".failed", numbered when that name is taken, and no
+// later poll takes it.
+TYPED_TEST(OrderIntakeTest, AFileWithALineTheStoreRefusesIsKeptAsFailedWithItsCount) {
+    this->store.exec(
+        u"CREATE TRIGGER refuse BEFORE INSERT ON T_ORDER WHEN NEW.ORDERCD = 'BAD' "
+        u"BEGIN SELECT RAISE(ABORT, 'refused'); END"_s);
+    TestSite& site = this->site();
+    const auto line = [](const char* key) {
+        return OrderLine(u"20250416"_s, u"1"_s, QString::fromLatin1(key), u"1660"_s, {u"Na"_s}) +
+               "\r\n";
+    };
+    site.writeFile(u"orders/1660a.csv"_s, line("K1") + line("BAD") + line("K3"));
+    site.writeFile(u"orders/1660b.csv"_s, line("K4"));
+    TakeSettled(TakeOrders1660);
+    TakeSettled(TakeOrders1660);
+    EXPECT_EQ(this->store.rows().size(), 3u);
+    EXPECT_EQ(this->store.rows(u"ORDERCD = 'BAD'"_s).size(), 0u);
+    EXPECT_EQ(site.readFile(u"orders/1660a.csv.failed"_s), line("K1") + line("BAD") + line("K3"));
+    EXPECT_FALSE(site.exists(u"orders/1660a.csv"_s));
+    EXPECT_FALSE(site.exists(u"orders/1660b.csv"_s));
+    const QString head = u"【検査： 1660-0-2025-04-16 09:30:15】オーダデータ"_s;
+    const QString tail = u"1660--:2025-04-16 09:30:15\r\n"_s;
+    EXPECT_EQ(this->store.mainLog(u"1660"_s),
+              head + u"登録失敗(Edit) -- 1件 -- "_s + tail + head + u"取得完了(Edit) -- "_s + tail);
+    EXPECT_TRUE(
+        DecodeAnsi(site.readFile(u"KV_Orbline1660.diag"_s))
+            .contains(site.path(u"orders"_s) + u"\\1660a.csv: 1 of 3 lines could not be stored"_s));
+
+    site.writeFile(u"orders/1660a.csv"_s, line("BAD"));
+    TakeSettled(TakeOrders1660);
+    EXPECT_TRUE(site.exists(u"orders/1660a.csv.2.failed"_s));
+    EXPECT_TRUE(this->store.mainLog(u"1660"_s).endsWith(u"登録失敗(Edit) -- 1件 -- "_s + tail));
+}
