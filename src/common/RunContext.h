@@ -7,10 +7,12 @@
 
 #include "common/BoundedStore.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
 #include <cstdint>
+#include <utility>
 
 namespace orbline {
 
@@ -106,6 +108,10 @@ struct RunContext {
     // procedures report nothing, so this is where a test or a diagnosis looks.
     std::int32_t OrderDbFailures = 0;
     QString OrderDbLastError;
+    // The order files the last poll of each folder saw, by folder and then by path: size and
+    // time of the last change (ms since the epoch). The intake takes a file only when both are
+    // as that poll saw them, so that a file still being written waits.
+    QHash<QString, QHash<QString, std::pair<qint64, qint64>>> OrderFilesSeen;
 };
 
 // The one instance.

@@ -1,5 +1,6 @@
 #include "orders/OrderIntake.h"
 
+#include "common/Diagnostics.h"
 #include "common/FindFiles.h"
 #include "common/Logging.h"
 #include "common/Paths.h"
@@ -7,10 +8,17 @@
 #include "common/RunContext.h"
 #include "common/Text.h"
 #include "common/TextFile.h"
+#include "orders/OrderFileLines.h"
 #include "orders/OrderStore.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
 #include <QSqlDatabase>
+
+#include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -18,9 +26,38 @@ namespace orbline {
 
 namespace {
 
+// Lines stored in one transaction: a lookup of another process waits for one batch at most.
+constexpr qsizetype kBatchLines = 500;
+
+using FileStamp = std::pair<qint64, qint64>;
+
 // Lets the window and the close request run while a long intake works.
 void YieldToUser() {
     QCoreApplication::processEvents();
+}
+
+// Size and time of the last change, of a file that is there.
+std::optional<FileStamp> StampOf(const QString& path) {
+    const QFileInfo info(NativePath(path));
+    if (!info.exists()) return std::nullopt;
+    return FileStamp{info.size(), info.lastModified().toMSecsSinceEpoch()};
+}
+
+// The files found that the previous poll of the folder saw just as they are now. What this
+// poll saw then replaces what the previous one saw.
+QStringList SettledFiles(const QString& folder, const QStringList& found) {
+    QHash<QString, FileStamp>& seen = Ctx().OrderFilesSeen[folder];
+    QHash<QString, FileStamp> now;
+    QStringList settled;
+    for (const QString& path : found) {
+        const auto stamp = StampOf(path);
+        if (!stamp) continue;
+        now.insert(path, *stamp);
+        if (const auto before = seen.constFind(path); before != seen.cend() && *before == *stamp)
+            settled.append(path);
+    }
+    seen = std::move(now);
+    return settled;
 }
 
 bool SaveLines(QSqlDatabase& db, const QStringList& lines, const ItemTable& items) {
@@ -30,26 +67,95 @@ bool SaveLines(QSqlDatabase& db, const QStringList& lines, const ItemTable& item
     return ok;
 }
 
-// One connection and one transaction for the file. When anything in it failed, the file's
-// lines are saved again one by one, each in a transaction of its own, so the rows that result
-// are those of one save per line: a line that cannot be stored costs no other line.
-void TakeOrderFile(const QString& path, const ItemTable& items) {
-    const QStringList lines = SplitLines(ReadAllText(path).value_or(QString()), LineEnds::CrOrCrLf);
-    if (lines.isEmpty()) return;
+// One transaction for the batch. When a statement in it failed, the batch is saved again line
+// by line, each line in a transaction of its own, so that a line that cannot be stored costs
+// no other line. A transaction that cannot begin (the store stayed locked past the writers'
+// wait) sets locked: the lines left are not tried, as each would wait as long again. Returns
+// the lines not stored.
+qsizetype SaveBatch(QSqlDatabase& db, const QStringList& lines, const ItemTable& items,
+                    bool& locked) {
+    if (!BeginOrderWrite(db)) {
+        locked = true;
+        return lines.size();
+    }
+    if (SaveLines(db, lines, items) && CommitOrderWrite(db)) return 0;
+    RollbackOrderWrite(db);
+    qsizetype failed = 0;
+    for (const QString& line : lines) {
+        locked = locked || !BeginOrderWrite(db);
+        if (locked) {
+            ++failed;
+        } else if (!SaveLines(db, {line}, items) || !CommitOrderWrite(db)) {
+            RollbackOrderWrite(db);
+            ++failed;
+        }
+    }
+    return failed;
+}
+
+struct Stored {
+    qint64 lines = 0;
+    qint64 failed = 0;
+};
+
+// The file's lines into the store, in batches, on one connection.
+Stored StoreLines(OrderFileLines& file, const ItemTable& items) {
+    Stored stored;
+    if (!file.isOpen()) return stored;
     OpenOrderDb();
     {
         QSqlDatabase db = OrderDb();
-        const bool saved =
-            BeginOrderWrite(db) && SaveLines(db, lines, items) && CommitOrderWrite(db);
-        if (!saved) {
-            RollbackOrderWrite(db);
-            for (const QString& line : lines) {
-                if (!BeginOrderWrite(db)) continue;
-                if (!SaveLines(db, {line}, items) || !CommitOrderWrite(db)) RollbackOrderWrite(db);
-            }
+        bool locked = false;
+        QStringList batch;
+        const auto save = [&] {
+            stored.failed += locked ? batch.size() : SaveBatch(db, batch, items, locked);
+            batch.clear();
+        };
+        while (const auto line = file.next()) {
+            ++stored.lines;
+            batch.append(*line);
+            if (batch.size() == kBatchLines) save();
         }
+        if (!batch.isEmpty()) save();
     }
     CloseOrderDb();
+    return stored;
+}
+
+// Beside the file, under a name no poll takes: path + ".failed", numbered when that exists.
+void KeepAsFailed(const QString& path, const Stored& stored) {
+    QString kept = path + u".failed"_s;
+    for (int n = 2; FileExists(kept) && n < 1000; ++n)
+        kept = path + u"."_s + QString::number(n) + u".failed"_s;
+    const bool moved = QFile::rename(NativePath(path), NativePath(kept));
+    const QString text =
+        u"オーダデータ登録失敗(Edit) -- "_s + QString::number(stored.failed) + u"件 -- "_s;
+    LogEvent(text, text, LogForm::Full);
+    Diagnose(u"order file "_s + path + u": "_s + QString::number(stored.failed) + u" of "_s +
+             QString::number(stored.lines) + u" lines could not be stored ("_s +
+             Ctx().OrderDbLastError + u"); "_s +
+             (moved ? u"kept as "_s + kept : u"it cannot be renamed and stays for a later poll"_s));
+}
+
+// Stores a file and deletes it; true when it was stored whole. A file of which a line could
+// not be stored is kept as ".failed". One that changed while it was read, or could not be read
+// to its end, stays for a later poll, which stores its lines again under the same keys.
+bool TakeOrderFile(const QString& folder, const QString& path, const ItemTable& items) {
+    OrderFileLines file(path);
+    const Stored stored = StoreLines(file, items);
+    if (!file.readToEnd() || StampOf(path) != Ctx().OrderFilesSeen[folder].value(path)) {
+        if (FileExists(path))
+            Diagnose(u"order file "_s + path +
+                     u" changed while it was taken, or could not be read to its end; it stays "
+                     u"for a later poll"_s);
+        return false;
+    }
+    if (stored.failed > 0) {
+        KeepAsFailed(path, stored);
+        return false;
+    }
+    DeleteFile(path);
+    return true;
 }
 
 // The files to take, from the work file: an empty file is deleted here and not taken.
@@ -102,8 +208,10 @@ std::int32_t StageOrderLine(const QString& line, const ItemTable& items) {
 void TakeOrders(const IntakeConfig& config) {
     if (HasFiles(1, config.folder) != 1) return;
 
+    // Only files as the previous poll saw them: one still being written waits, empty or not.
     QString list;
-    for (const QString& path : FindFilesDeep(config.folder, config.pattern)) {
+    for (const QString& path :
+         SettledFiles(config.folder, FindFilesDeep(config.folder, config.pattern))) {
         list += path + u"\r\n"_s;
         YieldToUser();
     }
@@ -116,13 +224,14 @@ void TakeOrders(const IntakeConfig& config) {
 
     const QStringList paths = FilesToTake(workPath);
     const ItemTable items = FillItemTable(config.items);
+    qsizetype whole = 0;
     for (const QString& path : paths) {
         YieldToUser();
-        TakeOrderFile(path, items);
-        // Deleted whether or not every line was stored.
-        if (FileExists(path)) DeleteFile(path);
+        if (TakeOrderFile(config.folder, path, items)) ++whole;
     }
 
+    // Not when every file of the run failed: each has its own line then.
+    if (whole == 0 && !paths.isEmpty()) return;
     const QString done = u"オーダデータ取得完了(Edit) -- "_s;
     LogEvent(done, done, LogForm::Full);
 }

@@ -1,7 +1,9 @@
 #pragma once
 // The order intake (MdlOrder): order files dropped by the laboratory system become rows of
-// T_ORDER and are deleted. One procedure serves every instrument; they differ only in the
-// folder, the file pattern, the work file and the item table.
+// T_ORDER and are deleted, or kept as ".failed" when a line could not be stored. A file is
+// taken only once a poll finds it as the previous poll saw it. One procedure serves every
+// instrument; they differ only in the folder, the file pattern, the work file and the item
+// table.
 
 #include "orders/OrderItems.h"
 

@@ -1,6 +1,7 @@
 #include "orders/OrderLookups.h"
 
 #include "common/Clock.h"
+#include "common/Diagnostics.h"
 #include "common/Logging.h"
 #include "common/Numbers.h"
 #include "common/RunContext.h"
@@ -8,6 +9,7 @@
 #include "orders/OrderItems.h"
 #include "orders/OrderStore.h"
 
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -64,19 +66,30 @@ QStringList TestColumns(int count, const QString& suffix = QString()) {
     return names;
 }
 
+QString KeyTail(const QString& key, const QString& instrumentCode) {
+    return u"Key: "_s + key + u":"_s + FormatNumber(instrumentCode, u"0000"_s) + u":"_s;
+}
+
 void LogLookupFailure(const QString& key, const QString& instrumentCode) {
-    const QString tail =
-        u"Key: "_s + key + u":"_s + FormatNumber(instrumentCode, u"0000"_s) + u":"_s;
+    const QString tail = KeyTail(key, instrumentCode);
     GLogEdit(u"0"_s, u"オーダデータ取得失敗 -- "_s + tail + NowText(u"YYYY-MM-DD HH:MM:SS"_s));
     QString line = u"データデータ取得失敗 -- "_s + tail + NowText(u"YYYY-MM-DD HH:MM:SS"_s);
     GLogWrite(u"0"_s, line);
 }
 
+void LogLookupDbFailure(const QString& key, const QString& instrumentCode) {
+    const QString text = u"オーダデータ検索失敗(DB) -- "_s + KeyTail(key, instrumentCode);
+    GLogEdit(u"0"_s, text + NowText(u"YYYY-MM-DD HH:MM:SS"_s));
+    QString line = text + NowText(u"YYYY-MM-DD HH:MM:SS"_s);
+    GLogWrite(u"0"_s, line);
+    Diagnose(u"order lookup of key "_s + key + u" for "_s + instrumentCode +
+             u" failed and was answered as no order: "_s + Ctx().OrderDbLastError);
+}
+
 }  // namespace
 
-std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QString& key,
-                                          const QString& instrumentCode,
-                                          const QStringList& columns) {
+LatestOrder FindLatestOrder(const QString& keyColumn, const QString& key,
+                            const QString& instrumentCode, const QStringList& columns) {
     const QString to = OrderWindowTo();
     const QString from = OrderWindowFrom();
     OpenOrderDb();
@@ -84,31 +97,42 @@ std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QStrin
                      u"'"_s + u" AND   KENSAKIKICD = '"_s + instrumentCode + u"'"_s +
                      u" AND   KENSAYMD >= '"_s + from + u"'"_s + u" AND   KENSAYMD <= '"_s + to +
                      u"'"_s + u" ORDER BY KENSAYMD DESC,RENBAN DESC "_s;
-    std::optional<QSqlRecord> found;
+    LatestOrder found;
     {
         QSqlQuery query(OrderDb());
         query.setForwardOnly(true);
         // Only the columns read: a row of T_ORDER has over a hundred, and each one fetched
         // costs more than finding the row.
-        query.prepare(u"SELECT "_s + columns.join(u", "_s) + u" FROM T_ORDER WHERE "_s + keyColumn +
-                      u" = ? AND KENSAKIKICD = ? AND KENSAYMD >= ? AND KENSAYMD <= ?"_s
-                      u" ORDER BY KENSAYMD DESC, RENBAN DESC"_s);
+        const bool prepared = query.prepare(
+            u"SELECT "_s + columns.join(u", "_s) + u" FROM T_ORDER WHERE "_s + keyColumn +
+            u" = ? AND KENSAKIKICD = ? AND KENSAYMD >= ? AND KENSAYMD <= ?"_s
+            u" ORDER BY KENSAYMD DESC, RENBAN DESC"_s);
         query.addBindValue(key);
         query.addBindValue(instrumentCode);
         query.addBindValue(from);
         query.addBindValue(to);
-        if (ExecOrderQuery(query) && query.next()) found = query.record();
+        // Under a lock, reading the table's layout fails already.
+        if (!prepared) NoteOrderDbFailure(u"SELECT: "_s + query.lastError().text());
+        found.failed = !prepared || !ExecOrderQuery(query);
+        if (!found.failed && query.next()) {
+            found.row = query.record();
+        } else if (!found.failed && query.lastError().isValid()) {
+            NoteOrderDbFailure(u"fetch: "_s + query.lastError().text());
+            found.failed = true;
+        }
         query.finish();
     }
     CloseOrderDb();
+    if (found.failed) LogLookupDbFailure(key, instrumentCode);
     return found;
 }
 
 std::int16_t LookupOrder1660(const QString& key, QString& kana, QString& tests,
                              const QString& instrumentCode) {
-    const auto row = FindLatestOrder(
-        u"ORDERCD"_s, key, instrumentCode,
-        QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} + TestColumns(kOrderTestColumns));
+    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
+                                     QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} +
+                                         TestColumns(kOrderTestColumns))
+                         .row;
     if (!row) {
         kana.clear();
         tests.clear();
@@ -126,7 +150,8 @@ std::int16_t LookupOrder1730(const QString& key, QString& kana, QString& tests,
     const auto row = FindLatestOrder(u"KANJYAINFO"_s, key, instrumentCode,
                                      QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} +
                                          TestColumns(kOrderTestColumns) +
-                                         TestColumns(kOrderTestColumns, u"_2"_s));
+                                         TestColumns(kOrderTestColumns, u"_2"_s))
+                         .row;
     if (!row) {
         kana.clear();
         tests.clear();
@@ -143,7 +168,8 @@ std::int16_t LookupOrder1730(const QString& key, QString& kana, QString& tests,
 std::int16_t LookupOrder1650(const QString& key, QString& kana, QString& tests,
                              const QString& instrumentCode) {
     const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
-                                     QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} + TestColumns(20));
+                                     QStringList{u"KANJYAKANA"_s, u"KENSACNT"_s} + TestColumns(20))
+                         .row;
     if (!row) {
         kana.clear();
         tests.clear();
@@ -160,7 +186,8 @@ std::int16_t LookupOrder0980(QString& key, QString& kana, QString& test,
     key.remove(u'-');
     const auto row =
         FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
-                        {u"KANJYAKANA"_s, u"KANJYAID"_s, u"SEX"_s, u"KENSACNT"_s, u"KENSA1"_s});
+                        {u"KANJYAKANA"_s, u"KANJYAID"_s, u"SEX"_s, u"KENSACNT"_s, u"KENSA1"_s})
+            .row;
     if (!row) {
         kana.clear();
         test = u"HbA1c"_s;
@@ -176,14 +203,15 @@ std::int16_t LookupOrder0980(QString& key, QString& kana, QString& test,
 
 std::int16_t LookupOrder1190(const QString& key, QString& kana, QString& tests,
                              const QString& instrumentCode, QString& patientId, QString& sex) {
-    const auto row =
+    const auto found =
         FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
                         QStringList{u"KANJYAKANA"_s, u"KANJYAID"_s, u"SEX"_s, u"KENSACNT"_s} +
                             TestColumns(kOrderTestColumns));
+    const auto& row = found.row;
     if (!row) {
         kana.clear();
         tests.clear();
-        LogLookupFailure(key, instrumentCode);
+        if (!found.failed) LogLookupFailure(key, instrumentCode);
         return 0;
     }
     kana = Text(*row, u"KANJYAKANA"_s);
@@ -195,11 +223,12 @@ std::int16_t LookupOrder1190(const QString& key, QString& kana, QString& tests,
 }
 
 std::int16_t LookupOrder1160(const QString& key, const QString& instrumentCode, QString& tests) {
-    const auto row = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
-                                     QStringList{u"KENSACNT"_s} + TestColumns(kOrderTestColumns));
+    const auto found = FindLatestOrder(u"ORDERCD"_s, key, instrumentCode,
+                                       QStringList{u"KENSACNT"_s} + TestColumns(kOrderTestColumns));
+    const auto& row = found.row;
     if (!row) {
         tests.clear();
-        LogLookupFailure(key, instrumentCode);
+        if (!found.failed) LogLookupFailure(key, instrumentCode);
         return 0;
     }
     tests = JoinTests(*row, kOrderTestColumns, u"^^^"_s, u"\\^^^"_s,
@@ -248,7 +277,8 @@ std::int16_t LookupOrder2140(const QString& sampleId, const QString& instrumentC
     if (const auto row =
             FindLatestOrder(u"KANJYAINFO"_s, sampleId, instrumentCode,
                             QStringList{u"KANJYAKANA"_s, u"KANJYANM"_s, u"KENSACNT"_s} +
-                                TestColumns(kOrderTestColumns))) {
+                                TestColumns(kOrderTestColumns))
+                .row) {
         name = Text(*row, u"KANJYAKANA"_s);
         const int rounds = TestRounds(*row).value_or(0);
         QString itemNumber;

@@ -11,13 +11,17 @@
 
 namespace orbline {
 
+struct LatestOrder {
+    std::optional<QSqlRecord> row;
+    // The statement failed (a lock held past the lookups' wait, say): already logged as a
+    // database failure. The caller answers as with no order, without its no-order log lines.
+    bool failed = false;
+};
 // The shared query: KEY = key for the instrument, KENSAYMD from 20 days ago to today, newest
 // date and highest RENBAN (as text) first; of that row the columns the lookup reads. Sets
-// OrderSql; opens and closes the connection. Nothing when no row is found or the statement
-// failed.
-std::optional<QSqlRecord> FindLatestOrder(const QString& keyColumn, const QString& key,
-                                          const QString& instrumentCode,
-                                          const QStringList& columns);
+// OrderSql; opens and closes the connection.
+LatestOrder FindLatestOrder(const QString& keyColumn, const QString& key,
+                            const QString& instrumentCode, const QStringList& columns);
 
 // Key ORDERCD; tests "^^^0951^\^^^4207^" (codes through "0000"); "^^^" with no test.
 std::int16_t LookupOrder1660(const QString& key, QString& kana, QString& tests,

@@ -182,6 +182,9 @@ bool BeginOrderWrite(QSqlDatabase& db) {
     if (IsSQLiteConnection(db)) {
         QSqlQuery begin(db);
         begin.exec(u"PRAGMA busy_timeout = "_s + QString::number(kWriteBusyTimeoutMs));
+        // A writer whose cache spills into the file before its commit keeps every reader out
+        // from then on: a batch of the intake (some 2,000 pages at most) stays in memory.
+        begin.exec(u"PRAGMA cache_spill = 4096"_s);
         if (begin.exec(u"BEGIN IMMEDIATE"_s)) return true;
         NoteOrderDbFailure(u"BEGIN IMMEDIATE: "_s + begin.lastError().text());
         return false;

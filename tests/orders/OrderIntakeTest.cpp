@@ -16,6 +16,12 @@ QByteArray OrderLine(const QString& date, const QString& renban, const QString& 
     return EncodeAnsi((f + tests).join(u","_s));
 }
 
+// An order of one test under the key, with its line end.
+QByteArray Line(const char* key) {
+    return OrderLine(u"20250416"_s, u"1"_s, QString::fromLatin1(key), u"1660"_s, {u"Na"_s}) +
+           "\r\n";
+}
+
 }  // namespace
 
 template <typename Backend>
@@ -34,24 +40,24 @@ TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLine
     TestSite& site = this->site();
     site.writeFile(u"orders/1650other.csv"_s,
                    OrderLine(u"20250416"_s, u"9"_s, u"K9"_s, u"1650"_s, {u"PT"_s}));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     EXPECT_TRUE(this->store.mainLog(u"1660"_s).isEmpty());
     EXPECT_FALSE(site.exists(u"WkOrder1660.txt"_s));
     site.writeFile(u"orders/1660empty.csv"_s, "");
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     EXPECT_FALSE(site.exists(u"orders/1660empty.csv"_s));
 
     site.writeFile(u"orders/1660a.csv"_s,
                    OrderLine(u"20250416"_s, u"1"_s, u" K1 "_s, u"1660"_s,
                              {u" 9NACL"_s, u"cknac"_s, u"CKNAC"_s, u"FERR"_s, u"AMH"_s}) +
-                       "\r\n\r\n" + EncodeAnsi(u"20250416,2,0930,K2,1660,山田 太郎\r\n"_s));
+                       "\n\r" + EncodeAnsi(u"20250416,2,0930,K2,1660,山田 太郎\r\n"_s));
     site.writeFile(u"orders/sub/1660ABC.CSV"_s,
                    OrderLine(u"20250416"_s, u"3"_s, u"K3"_s, u"1660"_s, {u"Na"_s}));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
 
     const auto rows = this->store.rows();
     ASSERT_EQ(rows.size(), 4u);
-    // The blank line is a row with empty key columns.
+    // LF, CR and CR LF each end a line; the blank line is a row with empty key columns.
     EXPECT_EQ(Cell(rows[0], "KENSAYMD"), u""_s);
     EXPECT_EQ(Cell(rows[0], "KENSACNT"), u"0"_s);
     // Test names count case; unknown ones are dropped, and the first FERR row wins (not 67).
@@ -86,7 +92,7 @@ TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormer
     while (tests.size() < 45) tests.append(u"Na"_s);
     this->site().writeFile(u"orders/1660a.csv"_s,
                            OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s, u"1660"_s, tests));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     auto rows = this->store.rows();
     ASSERT_EQ(rows.size(), 1u);
     EXPECT_EQ(Cell(rows[0], "ORDERCD"), u"O'Brien"_s);
@@ -105,7 +111,7 @@ TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormer
     SetFixedNow("2025-04-16 10:00:00");
     this->site().writeFile(u"orders/1660b.csv"_s, OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s,
                                                             u"1660"_s, {u"UN"_s, u"unknown"_s}));
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     rows = this->store.rows(u"KENSAYMD = '20250416'"_s);
     ASSERT_EQ(rows.size(), 1u);
     EXPECT_EQ(Cell(rows[0], "KENTAICMT"), u"20250416100000"_s);
@@ -122,7 +128,7 @@ TYPED_TEST(OrderIntakeTest, LinesPastTheStagingTableAreAllStored) {
     for (int i = 1; i <= 1005; ++i)
         file += OrderLine(u"20250416"_s, QString::number(i), u"K"_s, u"1660"_s, {u"Na"_s}) + "\r\n";
     this->site().writeFile(u"orders/1660big.csv"_s, file);
-    TakeOrders1660();
+    TakeSettled(TakeOrders1660);
     const auto rows = this->store.rows(u"RENBAN IN ('1', '1000', '1001', '1005')"_s);
     ASSERT_EQ(rows.size(), 4u);
     for (const auto& row : rows) EXPECT_EQ(Cell(row, "KENSA1"), u"989"_s);
@@ -160,7 +166,7 @@ TEST(OrderIntake, EachInstrumentTakesItsOwnFilesWithItsOwnTable) {
         Ctx().OrderPath2 = s.site.path(u"orders2"_s);
         s.site.writeFile(
             c.file, OrderLine(u"20250416"_s, u"1"_s, u"K"_s, c.code, c.tests.split(u',')) + "\r\n");
-        c.take();
+        TakeSettled(c.take);
         const auto rows = s.rows();
         ASSERT_EQ(rows.size(), 1u);
         EXPECT_EQ(Cell(rows[0], "KENSACNT"), u"1"_s);
@@ -173,4 +179,65 @@ TEST(OrderIntake, EachInstrumentTakesItsOwnFilesWithItsOwnTable) {
             EXPECT_EQ(Ctx().ItemCodes.get(entry), c.expected);
         }
     }
+}
+
+// A file written as the laboratory system goes: a poll that finds it grown, touched, or empty
+// and still held by its writer, leaves it; the first that finds it as the poll before did
+// takes it whole.
+TEST(OrderIntake, AFileIsTakenWholeOnlyOnceAPollFindsItUnchanged) {
+    OrderSite s;
+    Ctx().InstrumentCode = u"1660"_s;
+    Ctx().OrderPath = s.site.path(u"orders"_s);
+    const auto write = [&](const QByteArray& bytes, int minute) {
+        s.site.writeFile(u"orders/1660.csv"_s, bytes);
+        QFile f(s.site.native(u"orders/1660.csv"_s));
+        EXPECT_TRUE(f.open(QIODevice::Append) &&
+                    f.setFileTime(QDateTime(QDate(2025, 4, 16), QTime(9, minute)),
+                                  QFileDevice::FileModificationTime));
+    };
+    write(Line("K1"), 0);
+    QFile held(s.site.native(u"orders/1660e.csv"_s));
+    ASSERT_TRUE(held.open(QIODevice::WriteOnly));
+    TakeOrders1660();
+    write(Line("K1") + Line("K2"), 0);
+    held.write(Line("K3"));
+    held.close();
+    TakeOrders1660();
+    EXPECT_TRUE(s.rows().empty());
+    EXPECT_TRUE(s.mainLog(u"1660"_s).isEmpty());
+    write(Line("K1") + Line("K2"), 1);
+    TakeOrders1660();
+    EXPECT_EQ(s.rows().size(), 1u) << "only the file left alone since the poll before";
+    TakeOrders1660();
+    EXPECT_EQ(s.rows().size(), 3u);
+    EXPECT_FALSE(s.site.exists(u"orders/1660.csv"_s));
+}
+
+// The store refuses one line (as a server database's rule may): the other lines of its batch
+// are stored, the file stays beside as ".failed", numbered when that name is taken, and no
+// later poll takes it.
+TYPED_TEST(OrderIntakeTest, AFileWithALineTheStoreRefusesIsKeptAsFailedWithItsCount) {
+    this->store.exec(
+        u"CREATE TRIGGER refuse BEFORE INSERT ON T_ORDER WHEN NEW.ORDERCD = 'BAD' "
+        u"BEGIN SELECT RAISE(ABORT, 'refused'); END"_s);
+    TestSite& site = this->site();
+    site.writeFile(u"orders/1660a.csv"_s, Line("K1") + Line("BAD") + Line("K3"));
+    site.writeFile(u"orders/1660b.csv"_s, Line("K4"));
+    TakeSettled(TakeOrders1660);
+    TakeSettled(TakeOrders1660);
+    EXPECT_EQ(this->store.rows(u"ORDERCD IN ('K1', 'K3', 'K4')"_s).size(), 3u);
+    EXPECT_EQ(this->store.rows().size(), 3u);
+    EXPECT_EQ(site.readFile(u"orders/1660a.csv.failed"_s), Line("K1") + Line("BAD") + Line("K3"));
+    EXPECT_FALSE(site.exists(u"orders/1660b.csv"_s));
+    const QString head = u"【検査： 1660-0-2025-04-16 09:30:15】オーダデータ"_s;
+    const QString tail = u"1660--:2025-04-16 09:30:15\r\n"_s;
+    EXPECT_EQ(this->store.mainLog(u"1660"_s),
+              head + u"登録失敗(Edit) -- 1件 -- "_s + tail + head + u"取得完了(Edit) -- "_s + tail);
+    EXPECT_TRUE(
+        DecodeAnsi(site.readFile(u"KV_Orbline1660.diag"_s))
+            .contains(site.path(u"orders"_s) + u"\\1660a.csv: 1 of 3 lines could not be stored"_s));
+
+    site.writeFile(u"orders/1660a.csv"_s, Line("BAD"));
+    TakeSettled(TakeOrders1660);
+    EXPECT_TRUE(site.exists(u"orders/1660a.csv.2.failed"_s));
 }

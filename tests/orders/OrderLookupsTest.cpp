@@ -161,3 +161,24 @@ TYPED_TEST(OrderLookupsTest, Lookup2140FoldsItemsIntoEightyEightFlags) {
     EXPECT_EQ(LookupOrder2140(u"none"_s, u"2140"_s, items, count), 6);
     EXPECT_EQ(items, flags({}) + u"100000"_s + blanks30);
 }
+
+// Another process holds the store past the lookups' wait (5 s): the instrument gets the
+// no-order answer, and the log says that the database failed, not that no order exists.
+TEST(OrderLookups, ALookupWhoseStatementFailsIsLoggedAsADatabaseFailure) {
+    OrderSite s;
+    s.order(u"20250416"_s, u"1"_s, u"1190"_s, u"U"_s, {u"1190010"_s}, u"ｶ"_s);
+    s.exec(u"BEGIN EXCLUSIVE"_s);
+    QString kana = u"stale"_s;
+    QString tests = u"stale"_s;
+    QString id;
+    QString sex;
+    LookupOrder1190(u"U"_s, kana, tests, u"1190"_s, id, sex);
+    s.exec(u"ROLLBACK"_s);
+    EXPECT_EQ(kana + tests, u""_s);
+    const QString line = u"オーダデータ検索失敗(DB) -- Key: U:1190:2025-04-16 09:30:15\r\n"_s;
+    EXPECT_EQ(s.mainLog(u"2620"_s), u"【検査： 2620-0-2025-04-16 09:30:15】"_s + line);
+    EXPECT_EQ(Form().Txt_Log.text(), line);
+    EXPECT_TRUE(DecodeAnsi(s.site.readFile(u"KV_Orbline2620.diag"_s))
+                    .contains(u"order lookup of key U for 1190 failed and was answered as no "
+                              u"order: SELECT: database is locked"_s));
+}

@@ -97,6 +97,11 @@ class OrderSite {
         insert(cells);
     }
 
+    void exec(const QString& sql) {
+        QSqlQuery q(checker());
+        EXPECT_TRUE(q.exec(sql)) << q.lastError().text().toStdString();
+    }
+
     std::vector<QSqlRecord> rows(const QString& where = QStringLiteral("1=1")) {
         QSqlQuery q(checker());
         EXPECT_TRUE(q.exec(QStringLiteral("SELECT * FROM T_ORDER WHERE ") + where +
@@ -129,6 +134,12 @@ class OrderSite {
 inline QString Cell(const QSqlRecord& row, const char* name) {
     const QString column = QString::fromLatin1(name);
     return row.isNull(column) ? QStringLiteral("<NULL>") : row.value(column).toString();
+}
+
+// The first poll sees the files; the second takes those it finds as the first saw them.
+inline void TakeSettled(void (*take)()) {
+    take();
+    take();
 }
 
 template <typename Backend>

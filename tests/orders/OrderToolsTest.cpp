@@ -43,7 +43,7 @@ TEST(OrderDbTool, MakesAStoreTheIntakeFillsAndShowsItsOrders) {
     QByteArray line = "20250416,12,0930,ORD,1730,,ｶﾅ,,,,,,,SAMPLE9";
     line += QByteArray(40 - 13, ',') + "TSH,FERR";
     site.writeFile(u"in/1730.csv"_s, EncodeAnsi(QString::fromUtf8(line)));
-    TakeOrders1730();
+    TakeSettled(TakeOrders1730);
 
     const ToolRun day = RunTool(ORDERDB_EXE, {u"day"_s, file, u"20250416"_s, u"1730"_s});
     EXPECT_EQ(day.status, 0) << day.err.toStdString();

@@ -7,11 +7,15 @@
 //   orderload look <work-folder> <store-folder> <seconds> <tag>...
 //       looks up orders of the given takers' tags, until the time is up; prints
 //       "lookups <n> found <m>"
+//   orderload drain <work-folder> <store-folder> <seconds>
+//       polls <work-folder>/orders every 100 ms for files of 1660, as a dialogue does, until none
+//       is left or the time is up; prints "left <files>"
 //
 // The store is <store-folder>/KV_Orbline2.min. Exit status 1 when any statement on the store
 // failed (the last error goes to standard error), 2 for a bad command line.
 
 #include "common/Clock.h"
+#include "common/FindFiles.h"
 #include "common/RunContext.h"
 #include "common/TextFile.h"
 #include "orders/OrderIntake.h"
@@ -21,6 +25,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QRandomGenerator>
+#include <QThread>
 
 #include <QFile>
 
@@ -60,6 +65,8 @@ int Take(const QString& tag, QDeadlineTimer deadline) {
         }
         const QString path = Ctx().OrderPath + u"/1660_"_s + QString::number(file) + u".csv"_s;
         if (!WriteNewLine(path, lines.join(u"\r\n"_s))) return Report(u"cannot write "_s + path);
+        // The first poll only sees the file; the next, finding it unchanged, takes it.
+        TakeOrders1660();
         TakeOrders1660();
         sent += kLinesPerFile;
         if (QFile::exists(path)) return Report(u"not taken: "_s + path);
@@ -83,19 +90,30 @@ int Look(const QStringList& tags, QDeadlineTimer deadline) {
     return Report(u"lookups "_s + QString::number(lookups) + u" found "_s + QString::number(found));
 }
 
+int Drain(QDeadlineTimer deadline) {
+    while (!FindFilesDeep(Ctx().OrderPath, u"1660*.csv"_s).isEmpty() && !deadline.hasExpired()) {
+        TakeOrders1660();
+        QThread::msleep(100);
+    }
+    return Report(u"left "_s +
+                  QString::number(FindFilesDeep(Ctx().OrderPath, u"1660*.csv"_s).size()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
     bool secondsOk = false;
-    const int seconds = args.size() >= 5 ? args[3].toInt(&secondsOk) : 0;
-    if (args.size() < 5 || !secondsOk || seconds < 1 ||
-        (args[0] != u"take"_s && args[0] != u"look"_s) ||
+    const bool drain = args.size() == 4 && args[0] == u"drain"_s;
+    const int seconds = args.size() >= 4 ? args[3].toInt(&secondsOk) : 0;
+    if ((args.size() < 5 && !drain) || !secondsOk || seconds < 1 ||
+        (args[0] != u"take"_s && args[0] != u"look"_s && !drain) ||
         (args[0] == u"take"_s && args.size() != 5)) {
         std::fprintf(stderr,
                      "usage: orderload take <work-folder> <store-folder> <seconds> <tag>\n"
-                     "       orderload look <work-folder> <store-folder> <seconds> <tag>...\n");
+                     "       orderload look <work-folder> <store-folder> <seconds> <tag>...\n"
+                     "       orderload drain <work-folder> <store-folder> <seconds>\n");
         return 2;
     }
     RunContext& ctx = Ctx();
@@ -105,5 +123,6 @@ int main(int argc, char** argv) {
     ctx.OrderPath = args[1] + u"/orders"_s;
     QDir().mkpath(ctx.OrderPath);
     const QDeadlineTimer deadline{std::chrono::seconds{seconds}};
+    if (drain) return Drain(deadline);
     return args[0] == u"take"_s ? Take(args[4], deadline) : Look(args.mid(4), deadline);
 }
