@@ -21,8 +21,7 @@ namespace orbline {
 namespace {
 
 // The walk over positions 0 to last: the first entry equal to the value is selected. Positions
-// past the list's end compare as empty entries, which never match.
-// False when nothing matched.
+// past the list's end compare as empty entries, which never match. False when nothing matched.
 template <typename Matches>
 bool Walk(ListControl& list, qsizetype last, Matches matches) {
     for (qsizetype position = 0; position <= last; ++position) {

@@ -106,7 +106,8 @@ class AwComm {
     const PortFailure& LastError() const { return lastError_; }
     // Why the open port can receive no more (the device removed, the line hung up), with the
     // system's words, at the step Receive. Kind None while it receives and whenever it is not
-    // open: closing the port is no failure. Bytes that came before stay in the input queue.
+    // open: closing the port is no failure. On POSIX the bytes that came before stay in the
+    // input queue; on Windows the driver's queue goes with the device.
     PortFailure Gone() const;
 
     bool WriteBinary(const Bytes& bytes);
