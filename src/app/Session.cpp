@@ -13,7 +13,6 @@
 #include "common/RuntimeError.h"
 #include "dialogues/Instruments.h"
 #include "serial/AwComm.h"
-#include "serial/PortError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,29 +21,39 @@ namespace orbline {
 namespace {
 
 // The walk over positions 0 to last: the first entry equal to the value is selected. Positions
-// past the list's end compare as empty entries, which never match.
+// past the list's end compare as empty entries, which never match. False when nothing matched.
 template <typename Matches>
-void Walk(ListControl& list, qsizetype last, Matches matches) {
+bool Walk(ListControl& list, qsizetype last, Matches matches) {
     for (qsizetype position = 0; position <= last; ++position) {
         const QString entry =
             position < list.entries.size() ? list.entries.at(position) : QString();
         if (!entry.isEmpty() && matches(entry)) {
             list.position = position;
-            return;
+            return true;
         }
     }
+    return false;
 }
 
-void WalkNumber(ListControl& list, qsizetype last, double value) {
-    Walk(list, last, [value](const QString& entry) { return ToDouble(entry) == value; });
+bool WalkNumber(ListControl& list, qsizetype last, double value) {
+    return Walk(list, last, [value](const QString& entry) { return ToDouble(entry) == value; });
 }
 
 // A letter of the settings file selects the entry at its place in the table of letters.
-void WalkLetter(ListControl& list, qsizetype last, const QString& letter, QStringView letters) {
+bool WalkLetter(ListControl& list, qsizetype last, const QString& letter, QStringView letters) {
     const qsizetype place = letter.size() == 1 ? letters.indexOf(letter.at(0)) : -1;
-    if (place < 0 || place >= list.entries.size()) return;
+    if (place < 0 || place >= list.entries.size()) return false;
     const QString wanted = list.entries.at(place);
-    Walk(list, last, [&wanted](const QString& entry) { return entry == wanted; });
+    return Walk(list, last, [&wanted](const QString& entry) { return entry == wanted; });
+}
+
+// The main log keeps its lines; the warning goes to standard error and the diagnostic log.
+void WarnUnmatched(const QString& key, const QString& value, const QString& result) {
+    const QString section = u" of section "_s + InstrumentSection();
+    Diagnose(u"setting "_s +
+             (value.isEmpty() ? key + section + u" is empty or missing and"_s
+                              : key + u"="_s + value + section) +
+             u" matches no entry of its list; "_s + result);
 }
 
 std::int32_t NumberOf(const ListControl& list) {
@@ -79,9 +88,7 @@ void OpenSession() {
         f.checkLoopWrite.value = 0;
         LogEvent(u"接続失敗 --   "_s, u"接続失敗 -- "_s, LogForm::Short);
         // The main log keeps its fixed text; the cause goes to the diagnostic log.
-        Diagnose(u"port "_s + QString::number(comm.PortNumber()) + u" ("_s +
-                 QString::fromLocal8Bit(comm.DeviceName()) + u") cannot be opened: "_s +
-                 QString::fromUtf8(DescribePortFailure(comm.LastError())));
+        DiagnosePort(comm, u"cannot be opened"_s, comm.LastError());
         // A failed open raises no error of its own: the text of the abnormal end is empty.
         ErrorExit(QString());
     }
@@ -118,16 +125,23 @@ void CloseSession() {
 
 }  // namespace
 
-void SelectLineLists() {
+QList<KeptEntry> SelectLineLists(const QStringList& notNumbers) {
     const RunContext& c = Ctx();
     Form_TesvaneMain& f = Form();
-    WalkNumber(f.comboPort, 256, c.PortNo);
-    WalkNumber(f.comboBaudRate, 14, c.BaudRateNo);
-    WalkNumber(f.comboDataBits, 4, c.DataBitsNo);
-    WalkLetter(f.comboParity, 4, c.ParityCode, u"noems");
-    WalkNumber(f.comboStopBits, 2, static_cast<double>(c.StopBitsNo));
-    WalkLetter(f.comboHandShake, 3, c.HandshakeCode, u"NXRD");
-    WalkNumber(f.comboTimeOut, 6, c.TimeOutMs);
+    QList<KeptEntry> kept;
+    const auto select = [&](const QString& key, const ListControl& list, bool matched) {
+        if (!matched || notNumbers.contains(key)) kept.append({key, list.text()});
+    };
+    select(u"Port"_s, f.comboPort, WalkNumber(f.comboPort, 256, c.PortNo));
+    select(u"BaudRate"_s, f.comboBaudRate, WalkNumber(f.comboBaudRate, 14, c.BaudRateNo));
+    select(u"DataBits"_s, f.comboDataBits, WalkNumber(f.comboDataBits, 4, c.DataBitsNo));
+    select(u"Parity"_s, f.comboParity, WalkLetter(f.comboParity, 4, c.ParityCode, u"noems"));
+    select(u"StopBits"_s, f.comboStopBits,
+           WalkNumber(f.comboStopBits, 2, static_cast<double>(c.StopBitsNo)));
+    select(u"Handshake"_s, f.comboHandShake,
+           WalkLetter(f.comboHandShake, 3, c.HandshakeCode, u"NXRD"));
+    select(u"TimeOut"_s, f.comboTimeOut, WalkNumber(f.comboTimeOut, 6, c.TimeOutMs));
+    return kept;
 }
 
 QString ConditionText() {
@@ -150,13 +164,19 @@ void Cmd_Open() {
     ReadNames(ini);
     f.Caption = FormCaption();
     SetCloseRequestCaption(f.Caption.toStdU16String());
-    ReadLineSettings(ini);
-    SelectLineLists();
+    const QStringList notNumbers = ReadLineSettings(ini);
+    for (const KeptEntry& kept : SelectLineLists(notNumbers))
+        WarnUnmatched(kept.key, ini.GetValue(InstrumentSection(), kept.key, QString()),
+                      u"the line uses "_s + kept.entry);
     ReadDelimiter(ini);
-    // A list position as text; one that is no position of the list is passed over.
+    // A list position as text; one that is no position of the list is passed over. Without
+    // the key the console keeps its delimiter, and the line is the same: no warning.
     if (const auto position = ToInt32(c.DelimiterNo);
         position && *position >= -1 && *position < f.comboDelimiter.entries.size())
         f.comboDelimiter.position = *position;
+    else if (!c.DelimiterNo.isEmpty())
+        WarnUnmatched(u"Delimiter"_s, c.DelimiterNo,
+                      u"the console uses "_s + f.comboDelimiter.text());
     ReadOtherSettings(ini);
     ReadInstrumentOnlySettings(ini);
     const Instrument* instrument = FindInstrument(c.InstrumentCode);

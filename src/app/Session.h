@@ -4,7 +4,9 @@
 // and the close request end the process. Events nest inside a dialogue's yield, so each of
 // them may find the dialogue below it on the stack.
 
+#include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 
@@ -22,9 +24,16 @@ void Cmd_Kaijyo();
 // Close request; always ends the process, a connected link closed cleanly on the way.
 [[noreturn]] void Form_QueryUnload(std::int16_t& cancel);
 
+// A setting whose list was left as it was, with the entry the list kept.
+struct KeptEntry {
+    QString key;
+    QString entry;
+};
 // Walks the settings' lists (port, rate, data bits, parity, stop bits, handshake, time-out)
 // to the entries that the settings name; a setting that matches nothing leaves its list.
-void SelectLineLists();
+// Returns those settings, and those named in `notNumbers` (a value that is no number leaves
+// its field, which may still match), in the order walked.
+QList<KeptEntry> SelectLineLists(const QStringList& notNumbers = {});
 // The conditions line: port, rate, parity, data bits, stop bits, handshake, time-out.
 QString ConditionText();
 

@@ -16,10 +16,15 @@ QString Read(const AwIni& ini, const QString& key, const QString& whenEmpty = QS
     return value.isEmpty() ? whenEmpty : value;
 }
 
+// A value that is no number leaves the field as it was; its key is added to `notNumbers`.
 template <typename T, typename Convert>
-void ReadNumber(const AwIni& ini, const QString& key, T& field, Convert convert) {
+void ReadNumber(const AwIni& ini, const QString& key, T& field, Convert convert,
+                QStringList& notNumbers) {
     const QString value = Read(ini, key, u"0"_s);
-    if (const auto number = convert(value)) field = *number;
+    if (const auto number = convert(value))
+        field = *number;
+    else
+        notNumbers.append(key);
 }
 
 }  // namespace
@@ -50,15 +55,17 @@ QString FormCaption() {
     return u"("_s + Ctx().InstrumentCode + u") "_s + Ctx().InstrumentName2;
 }
 
-void ReadLineSettings(const AwIni& ini) {
+QStringList ReadLineSettings(const AwIni& ini) {
     RunContext& c = Ctx();
-    ReadNumber(ini, u"Port"_s, c.PortNo, ToInt32);
-    ReadNumber(ini, u"BaudRate"_s, c.BaudRateNo, ToInt32);
-    ReadNumber(ini, u"DataBits"_s, c.DataBitsNo, ToInt32);
+    QStringList notNumbers;
+    ReadNumber(ini, u"Port"_s, c.PortNo, ToInt32, notNumbers);
+    ReadNumber(ini, u"BaudRate"_s, c.BaudRateNo, ToInt32, notNumbers);
+    ReadNumber(ini, u"DataBits"_s, c.DataBitsNo, ToInt32, notNumbers);
     c.ParityCode = Read(ini, u"Parity"_s);
-    ReadNumber(ini, u"StopBits"_s, c.StopBitsNo, ToSingle);
+    ReadNumber(ini, u"StopBits"_s, c.StopBitsNo, ToSingle, notNumbers);
     c.HandshakeCode = Read(ini, u"Handshake"_s);
-    ReadNumber(ini, u"TimeOut"_s, c.TimeOutMs, ToInt32);
+    ReadNumber(ini, u"TimeOut"_s, c.TimeOutMs, ToInt32, notNumbers);
+    return notNumbers;
 }
 
 void ReadDelimiter(const AwIni& ini) {

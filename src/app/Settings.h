@@ -4,6 +4,7 @@
 // as it was.
 
 #include <QString>
+#include <QStringList>
 
 namespace orbline {
 
@@ -17,8 +18,9 @@ void ReadUserSettings(const AwIni& ini);
 void ReadNames(const AwIni& ini);
 // "(" + code + ") " + Name2.
 QString FormCaption();
-// Port, BaudRate, DataBits, Parity, StopBits, Handshake, TimeOut.
-void ReadLineSettings(const AwIni& ini);
+// Port, BaudRate, DataBits, Parity, StopBits, Handshake, TimeOut. Returns the keys whose value
+// is no number; their fields stay as they were.
+QStringList ReadLineSettings(const AwIni& ini);
 void ReadDelimiter(const AwIni& ini);
 // The other keys of the instrument's section, in their order, with their defaults, and Device.
 void ReadOtherSettings(const AwIni& ini);

@@ -6,6 +6,8 @@
 #include "common/RunContext.h"
 #include "common/StandardError.h"
 #include "common/TextFile.h"
+#include "serial/AwComm.h"
+#include "serial/PortError.h"
 
 #include <QByteArray>
 
@@ -38,6 +40,12 @@ void Diagnose(const QString& text) {
         std::filesystem::rename(FsPath(path), FsPath(OldDiagnosticLogPath()), ec);
     }
     AppendLine(path, line);
+}
+
+void DiagnosePort(const AwComm& comm, const QString& what, const PortFailure& failure) {
+    Diagnose(u"port "_s + QString::number(comm.PortNumber()) + u" ("_s +
+             QString::fromLocal8Bit(comm.DeviceName()) + u") "_s + what + u": "_s +
+             QString::fromUtf8(DescribePortFailure(failure)));
 }
 
 }  // namespace orbline

@@ -8,6 +8,9 @@
 
 namespace orbline {
 
+class AwComm;
+struct PortFailure;
+
 // AppPath + "\KV_Orbline" + four-digit code + ".diag", and its one old copy.
 QString DiagnosticLogPath();
 QString OldDiagnosticLogPath();
@@ -17,5 +20,7 @@ QString OldDiagnosticLogPath();
 // one report is one line. A file that has reached the main log's rotation size becomes the old
 // copy first. A write that fails loses the line and nothing else happens.
 void Diagnose(const QString& text);
+// "port <n> (<device>) <what>: <the failure described>", through Diagnose.
+void DiagnosePort(const AwComm& comm, const QString& what, const PortFailure& failure);
 
 }  // namespace orbline

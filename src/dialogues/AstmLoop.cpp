@@ -9,6 +9,7 @@
 #include "common/Numbers.h"
 #include "common/Paths.h"
 #include "common/RuntimeError.h"
+#include "dialogues/CommCycle.h"
 #include "dialogues/ReadWindow.h"
 #include "edits/PieceFiles.h"
 #include "serial/AwComm.h"
@@ -153,6 +154,7 @@ struct AstmRun {
         Form_TesvaneMain& f = Form();
         // A stop that ran in the yield has closed the port.
         if (!f.Connected) return;
+        if (window.phase == WindowPhase::Idle) EndSessionIfPortGone();
         QString bytes;
         if (f.comm().ReadBufferDataSize() >= 1) {
             if (window.phase == WindowPhase::Idle) ErasePaneArrays();

@@ -43,6 +43,7 @@ void BeginCommLoop2620() {
     c.ReceiveBuffer.checked(0).clear();
 
     while (Form().Connected) {
+        EndSessionIfPortGone();
         if (!NextCycleHasBytes()) continue;
         ErasePaneArrays();
         const BlockStep step = Join(reader, ReadText1(Form().comm()));

@@ -104,6 +104,11 @@ class AwComm {
     // Why the last open failed: the first step that failed, with the system's code and words.
     // Kind None after an open that succeeded.
     const PortFailure& LastError() const { return lastError_; }
+    // Why the open port can receive no more (the device removed, the line hung up), with the
+    // system's words, at the step Receive. Kind None while it receives and whenever it is not
+    // open: closing the port is no failure. On POSIX the bytes that came before stay in the
+    // input queue; on Windows the driver's queue goes with the device.
+    PortFailure Gone() const;
 
     bool WriteBinary(const Bytes& bytes);
     Bytes ReadBinary1();

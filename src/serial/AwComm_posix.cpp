@@ -21,6 +21,9 @@
 
 namespace orbline {
 
+// The reader's record while the port still receives.
+constexpr int kReceiving = -1;
+
 struct AwComm::Port {
     explicit Port(std::size_t queueSize) : queue(queueSize) {}
 
@@ -30,29 +33,45 @@ struct AwComm::Port {
     ReceiveQueue queue;
     std::thread reader;
     std::chrono::milliseconds timeOut{1000};
+    // Set once by the reader when it stops for good without being asked to: the errno that
+    // stopped it, or 0 for a hang-up the system gave no error for.
+    std::atomic<int> gone{kReceiving};
 
-    // Runs on the reader thread and touches nothing but the descriptor and the queue.
+    // Runs on the reader thread and touches nothing but the descriptor, the queue and `gone`.
     void ReadLoop() {
         std::uint8_t chunk[4096];
         for (;;) {
             pollfd watched[2] = {{fd, POLLIN, 0}, {wakeRead, POLLIN, 0}};
             if (poll(watched, 2, -1) < 0) {
                 if (errno == EINTR) continue;
+                gone = errno;
                 return;
             }
             if (watched[1].revents != 0) return;
-            if ((watched[0].revents & POLLIN) != 0) {
-                const ssize_t got = read(fd, chunk, sizeof chunk);
-                if (got > 0) {
-                    queue.Push(chunk, static_cast<std::size_t>(got));
-                    continue;
-                }
-                if (got < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+            // Bytes that came before a hang-up are still read: the hang-up shows once they are
+            // taken.
+            const ssize_t got = read(fd, chunk, sizeof chunk);
+            if (got > 0) {
+                queue.Push(chunk, static_cast<std::size_t>(got));
+                continue;
             }
-            // Hang-up or a device gone (a USB adapter pulled out): nothing can arrive, but the
-            // owner decides when to close. Look again later without spinning.
-            pollfd wake{wakeRead, POLLIN, 0};
-            if (poll(&wake, 1, 100) > 0) return;
+            if (got < 0) {
+                if (errno == EINTR || errno == EAGAIN) continue;
+                gone = errno;
+                return;
+            }
+            // A raw tty also reads nothing when a purge took the bytes that woke the poll; a
+            // hung-up one says so in the poll or refuses its settings.
+            termios settings{};
+            const bool hungUp = (watched[0].revents & (POLLHUP | POLLERR)) != 0;
+            if (tcgetattr(fd, &settings) != 0) {
+                gone = errno;
+                return;
+            }
+            if (hungUp) {
+                gone = 0;
+                return;
+            }
         }
     }
 
@@ -156,6 +175,16 @@ bool AwComm::PlatformClose() {
     const bool closed = close(port_->fd) == 0;
     port_.reset();
     return closed;
+}
+
+PortFailure AwComm::Gone() const {
+    const int code = port_ ? port_->gone.load() : kReceiving;
+    if (code == kReceiving) return {};
+    if (code == 0) return {PortError::DeviceGone, PortStep::Receive, 0, {}, {}};
+    PortFailure failure = FailureOfErrno(PortStep::Receive, code);
+    // ENXIO and ENODEV name a device that is no longer there once it was open.
+    if (failure.kind == PortError::NoSuchDevice) failure.kind = PortError::DeviceGone;
+    return failure;
 }
 
 bool AwComm::PlatformModemStatus(std::uint32_t& bits) {

@@ -37,12 +37,28 @@ PortFailure FailureOfLastError(PortStep step, DWORD code) {
     return {kind, step, static_cast<std::int64_t>(code), std::move(os.text), {}};
 }
 
+// A handle that worked and now fails with one of these has lost its device. Access is checked
+// only at the open, so a denial on an open handle is also a device pulled out (as USB adapters
+// answer).
+bool LostDevice(DWORD code) {
+    return code == ERROR_ACCESS_DENIED || TranslateOsError(code).kind == PortError::DeviceGone;
+}
+
 }  // namespace
 
 struct AwComm::Port {
     HANDLE handle = INVALID_HANDLE_VALUE;
     COMMTIMEOUTS timeouts{};
     COMSTAT status{};
+    // The first failure that showed the device gone; the handle stays until the owner closes it.
+    PortFailure gone;
+
+    void NoteIfGone() {
+        const DWORD code = GetLastError();
+        if (gone.kind != PortError::None || !LostDevice(code)) return;
+        gone = FailureOfLastError(PortStep::Receive, code);
+        gone.kind = PortError::DeviceGone;
+    }
 };
 
 AwComm::AwComm() = default;
@@ -109,6 +125,10 @@ bool AwComm::PlatformClose() {
     return closed;
 }
 
+PortFailure AwComm::Gone() const {
+    return port_ ? port_->gone : PortFailure{};
+}
+
 bool AwComm::PlatformModemStatus(std::uint32_t& bits) {
     DWORD lines = 0;
     if (!port_ || GetCommModemStatus(port_->handle, &lines) == FALSE) return false;
@@ -127,9 +147,13 @@ bool AwComm::PlatformBreak(bool on) {
 }
 
 bool AwComm::PlatformQueued(bool input, std::int32_t& count) {
+    if (!port_) return false;
     DWORD errors = 0;
     // Also clears a line error, so an overrun never blocks the port.
-    if (!port_ || ClearCommError(port_->handle, &errors, &port_->status) == FALSE) return false;
+    if (ClearCommError(port_->handle, &errors, &port_->status) == FALSE) {
+        port_->NoteIfGone();
+        return false;
+    }
     count = static_cast<std::int32_t>(input ? port_->status.cbInQue : port_->status.cbOutQue);
     return true;
 }
@@ -146,7 +170,11 @@ bool AwComm::PlatformRead(std::uint8_t* into, std::int32_t count) {
     if (!port_) return false;
     DWORD got = 0;
     const auto wanted = static_cast<DWORD>(count);
-    return ReadFile(port_->handle, into, wanted, &got, nullptr) != FALSE && got == wanted;
+    if (ReadFile(port_->handle, into, wanted, &got, nullptr) == FALSE) {
+        port_->NoteIfGone();
+        return false;
+    }
+    return got == wanted;
 }
 
 bool AwComm::PlatformPurgeInput() {

@@ -40,6 +40,8 @@ const char* PortStepWords(PortStep step) {
             return "time-outs";
         case PortStep::Reader:
             return "reader start";
+        case PortStep::Receive:
+            return "receive";
     }
     return "no step";
 }

@@ -1,6 +1,7 @@
 #pragma once
-// Why the port could not be opened, in words an operator can act on, with the operating
-// system's own code and text beside them. Free of Qt, like the rest of serial/.
+// Why the port could not be opened, or why an open port stopped receiving, in words an operator
+// can act on, with the operating system's own code and text beside them. Free of Qt, like the
+// rest of serial/.
 
 #include <cstdint>
 #include <string>
@@ -17,8 +18,8 @@ enum class PortError {
     Other,
 };
 
-// The step of the open that failed.
-enum class PortStep { None, Open, Lock, LineSettings, Buffers, Purge, TimeOuts, Reader };
+// The step of the open that failed; Receive for a port that failed after it was open.
+enum class PortStep { None, Open, Lock, LineSettings, Buffers, Purge, TimeOuts, Reader, Receive };
 
 struct PortFailure {
     PortError kind = PortError::None;
