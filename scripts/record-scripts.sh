@@ -31,7 +31,8 @@ play() {  # script code name
     local status=0
     wait "$simulator" || status=$?
     for _ in $(seq 100); do [ -n "$(ls -A "$site/data")" ] && break; sleep 0.1; done
-    kill -TERM "$link"
+    # The link ends by itself once the simulator has gone with its end of the line.
+    kill -TERM "$link" 2>/dev/null || true
     wait "$link" || true
     [ "$status" -eq 0 ] || { echo "$script: the simulator failed"; cat "$site/simulator.txt"; }
     cat "$site"/data/* >"$out/$code.delivered" 2>/dev/null || true

@@ -21,7 +21,10 @@ printf '[TNMC]\r\nName=TOMEY\r\nPort=1\r\nBaudRate=9600\r\nDataBits=8\r\nParity=
     "$site" >>"$site/KV_Orbline.ini"
 
 echo "== demo site $site"
-build/tools/simulator/kv_simulator --pty "$site/tty" tools/simulator/scripts/tonometer-2620.sim \
+# The tonometer stays on the line a while after its print-out, so that the parent's close comes
+# first: a line whose far end goes away ends kv_orbline as an abnormal end (status 1).
+{ cat tools/simulator/scripts/tonometer-2620.sim; echo "drain 5000"; } >"$site/tonometer.sim"
+build/tools/simulator/kv_simulator --pty "$site/tty" "$site/tonometer.sim" \
     >"$site/simulator.txt" 2>&1 &
 simulator=$!
 for _ in $(seq 100); do [ -e "$site/tty" ] && break; sleep 0.1; done
@@ -31,9 +34,7 @@ echo "== kv_orbline 2620=0=TN=$site_bs"
 build/kv_orbline "2620=0=TN=$site_bs" &
 link=$!
 
-simulator_status=0
-wait "$simulator" || simulator_status=$?
-for _ in $(seq 100); do
+for _ in $(seq 600); do
     [ -n "$(ls -A "$site/data")" ] && break
     sleep 0.1
 done
@@ -42,6 +43,8 @@ done
 kill -TERM "$link"
 link_status=0
 wait "$link" || link_status=$?
+simulator_status=0
+wait "$simulator" || simulator_status=$?
 
 echo "== the simulated tonometer (exit status $simulator_status)"
 cat "$site/simulator.txt"

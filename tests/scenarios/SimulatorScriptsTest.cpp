@@ -44,8 +44,8 @@ TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
         ASSERT_TRUE(simulator.waitForFinished(60000));
         EXPECT_EQ(simulator.exitCode(), 0) << simulator.readAll().toStdString();
         EXPECT_TRUE(link.waitForDeliveries(1));
-        link.requestClose();
-        EXPECT_EQ(link.finish(), 0);
+        // The simulator's end of the line closed as it ended: the port is gone.
+        EXPECT_EQ(link.finish(), 1);
         EXPECT_EQ(DeliveredRecords(link).size(), c.records);
     }
 }
