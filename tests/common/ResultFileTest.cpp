@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <latch>
 #include <thread>
 
@@ -22,79 +21,52 @@ using namespace Qt::StringLiterals;
 using namespace orbline;
 using orbline::test::TestSite;
 
-TEST(ResultFileName, StampIsMinuteThenDayAndSerialCountsPerName) {
-    TestSite site;
-    Ctx().IniPrefix = u"TN"_s;
-    QString first;
-    QString second;
-    MakeOutFile(site.path(u"out"_s), first);
-    MakeOutFile(site.path(u"out"_s), second);
-    // 09:30 on the 16th: "...0930" then the day "16", no seconds.
-    EXPECT_EQ(first, site.path(u"out"_s) + u"\\2620-TN-2025041609301600001~KVB.csv"_s);
-    EXPECT_EQ(second, site.path(u"out"_s) + u"\\2620-TN-2025041609301600002~KVB.csv"_s);
-    EXPECT_TRUE(site.exists(u"out"_s));
-    // The serial widens past 99999 rather than wrapping onto an earlier name.
-    Ctx().OutSerial = 99999;
-    MakeOutFile(site.path(u"out"_s), second);
-    EXPECT_TRUE(second.endsWith(u"20250416093016100000~KVB.csv"_s));
-}
-
-// A work file of the name is a dead process's leftover and goes; a delivered file never does.
-TEST(ResultFileName, DeliveredFilesOfTheNameStayAndTheNextFreeSerialIsUsed) {
+// 09:30 on the 16th: "...0930" then the day "16", no seconds. A delivered file of the name
+// stays, also under the 0980 edit's extra name, and the move takes the next serial.
+TEST(ResultFileName, StampIsMinuteThenDayAndTakenDeliveryNamesStay) {
     TestSite site;
     Ctx().IniPrefix = u"TN"_s;
     Ctx().JyusinDataPath = site.path(u"data"_s);
-    site.writeFile(u"wk/2620-TN-2025041609301600001~KVB.csv"_s, "leftover");
-    site.writeFile(u"data/2620-TN-2025041609301600002~KVB.csv"_s, "first");
-    site.writeFile(u"data/2620-TN-2025041609301600003~KVB.csv"_s, "second");
-    QString work;
-    MakeOutFile(site.path(u"wk"_s), work);
-    EXPECT_FALSE(FileExists(work));
-    site.writeFile(u"wk/2620-TN-2025041609301600001~KVB.csv"_s, "third");
-    QString delivered;
-    EXPECT_EQ(DeliverWorkFile(work, FailedMove::Throws, &delivered), Delivery::Delivered);
-    EXPECT_EQ(delivered, site.path(u"data\\2620-TN-2025041609301600004~KVB.csv"_s));
-    EXPECT_EQ(site.readFile(u"data/2620-TN-2025041609301600002~KVB.csv"_s), "first");
-    EXPECT_EQ(site.readFile(u"data/2620-TN-2025041609301600003~KVB.csv"_s), "second");
-    EXPECT_EQ(site.readFile(u"data/2620-TN-2025041609301600004~KVB.csv"_s), "third");
-    // A name taken for its serial alone (the 0980 edit's) leaves the file of that name too.
-    Ctx().OutSerial = 1;
-    MakeDeliveryName(site.path(u"data"_s), delivered);
-    EXPECT_TRUE(delivered.endsWith(u"00002~KVB.csv"_s));
-    EXPECT_EQ(site.readFile(u"data/2620-TN-2025041609301600002~KVB.csv"_s), "first");
+    const QString stem = u"data/2620-TN-202504160930160000"_s;
+    site.writeFile(stem + u"1~KVB.csv"_s, "1");
+    site.writeFile(u"work"_s, "2");
+    QString path;
+    MakeDeliveryName(site.path(u"data"_s), path);
+    Ctx().OutSerial = 0;
+    DeliverWorkFile(site.path(u"work"_s), FailedMove::Throws, &path);
+    EXPECT_EQ(path, site.path(stem + u"2~KVB.csv"_s));
+    EXPECT_EQ(site.readFile(stem + u"1~KVB.csv"_s) + site.readFile(stem + u"2~KVB.csv"_s), "12");
 
-    QString deep;
-    MakeOutFile(site.path(u"a\\b"_s), deep);
+    // The serial widens past 99999 rather than wrapping onto an earlier name; one level of
+    // folder is made, no more.
+    Ctx().OutSerial = 99999;
+    MakeOutFile(site.path(u"out"_s), path);
+    EXPECT_TRUE(path.endsWith(u"20250416093016100000~KVB.csv"_s));
+    EXPECT_TRUE(site.exists(u"out"_s));
+    MakeOutFile(site.path(u"a\\b"_s), path);
     EXPECT_FALSE(site.exists(u"a"_s));
-    EXPECT_EQ(Ctx().OutSerial, 3);
 }
 
-// Two movers take one name at the same moment: one gets it, the other is told and takes the
-// next; both files arrive whole.
+// Two movers take one name at once: one gets it, the other is told and takes the next name.
 TEST(Delivery, TwoMovesRacingForOneNameBothArriveUnderDifferentNames) {
     TestSite site;
     for (int round = 0; round < 20; ++round) {
         const QString name = u"r"_s + QString::number(round);
-        site.writeFile(u"a.csv"_s, QByteArray(4096, 'a'));
-        site.writeFile(u"b.csv"_s, QByteArray(4096, 'b'));
+        for (const QString& file : {u"a"_s, u"b"_s}) site.writeFile(file, file.toLatin1());
         MoveResult results[2] = {};
         std::latch start(2);
         auto move = [&](int i, const QString& source) {
             start.arrive_and_wait();
             results[i] = MoveFileDurable(site.path(source), site.path(name));
         };
-        std::thread a(move, 0, u"a.csv"_s);
-        std::thread b(move, 1, u"b.csv"_s);
-        a.join();
-        b.join();
-        ASSERT_EQ(std::count(results, results + 2, MoveResult::Moved), 1) << round;
-        ASSERT_EQ(std::count(results, results + 2, MoveResult::TargetExists), 1) << round;
-        const bool aWon = results[0] == MoveResult::Moved;
-        EXPECT_EQ(MoveFileDurable(site.path(aWon ? u"b.csv"_s : u"a.csv"_s),
-                                  site.path(name + u"-next"_s)),
-                  MoveResult::Moved);
-        EXPECT_EQ(site.readFile(name), QByteArray(4096, aWon ? 'a' : 'b'));
-        EXPECT_EQ(site.readFile(name + u"-next"_s), QByteArray(4096, aWon ? 'b' : 'a'));
+        std::thread other(move, 1, u"b"_s);
+        move(0, u"a"_s);
+        other.join();
+        const int winner = results[0] == MoveResult::Moved ? 0 : 1;
+        ASSERT_EQ(results[winner], MoveResult::Moved) << round;
+        ASSERT_EQ(results[1 - winner], MoveResult::TargetExists) << round;
+        MoveFileDurable(site.path(winner == 0 ? u"b"_s : u"a"_s), site.path(name + u"+"_s));
+        EXPECT_EQ(site.readFile(name) + site.readFile(name + u"+"_s), winner == 0 ? "ab" : "ba");
     }
 }
 
@@ -117,22 +89,18 @@ TEST(Delivery, AcrossFileSystemsTheFileArrivesWholeReplacingNothingAndNoStagingN
     const QString work = site.path(u"w.csv"_s);
     const QByteArray big(3 * 1024 * 1024, 'r');
     site.writeFile(u"w.csv"_s, big);
-    const QString folder = QString(other.path()).replace(u'/', u'\\');
-    QFile taken(other.path() + u"/d~KVB.csv"_s);
-    ASSERT_TRUE(taken.open(QIODevice::WriteOnly) && taken.write("taken") == 5);
-    taken.close();
-    EXPECT_EQ(MoveFileDurable(work, folder + u"\\d~KVB.csv"_s), MoveResult::TargetExists);
-    EXPECT_TRUE(FileExists(work));
-    ASSERT_TRUE(taken.open(QIODevice::ReadOnly));
-    EXPECT_EQ(taken.readAll(), "taken");
-
-    ASSERT_EQ(MoveFileDurable(work, folder + u"\\e~KVB.csv"_s), MoveResult::Moved);
+    const QString target = QString(other.path()).replace(u'/', u'\\') + u"\\d~KVB.csv"_s;
+    site.writeFile(u"taken"_s, "taken");
+    ASSERT_EQ(MoveFileDurable(site.path(u"taken"_s), target), MoveResult::Moved);
+    EXPECT_EQ(MoveFileDurable(work, target), MoveResult::TargetExists);
+    ASSERT_EQ(MoveFileDurable(work, target + u"2"_s), MoveResult::Moved);
     EXPECT_FALSE(FileExists(work));
     EXPECT_EQ(QDir(other.path()).entryList(QDir::Files | QDir::Hidden),
-              (QStringList{u"d~KVB.csv"_s, u"e~KVB.csv"_s}));
-    QFile delivered(other.path() + u"/e~KVB.csv"_s);
-    ASSERT_TRUE(delivered.open(QIODevice::ReadOnly));
-    EXPECT_EQ(delivered.readAll(), big);
+              (QStringList{u"d~KVB.csv"_s, u"d~KVB.csv2"_s}));
+    QFile taken(other.path() + u"/d~KVB.csv"_s);
+    QFile delivered(other.path() + u"/d~KVB.csv2"_s);
+    ASSERT_TRUE(taken.open(QIODevice::ReadOnly) && delivered.open(QIODevice::ReadOnly));
+    EXPECT_EQ(taken.readAll() + delivered.readAll(), "taken" + big);
 }
 
 TEST(HasFiles, LooksForTheKindsPatternDirectlyInTheFolder) {
