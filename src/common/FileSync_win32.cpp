@@ -18,4 +18,20 @@ bool SyncFolder(const std::filesystem::path&) {
     return true;
 }
 
+// Without MOVEFILE_REPLACE_EXISTING the move fails when the target exists. Without
+// MOVEFILE_COPY_ALLOWED, which would copy onto the final name where a reader could take a
+// partial file: across volumes the caller copies to a staging name first.
+Rename RenameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0) return Rename::Done;
+    switch (GetLastError()) {
+        case ERROR_ALREADY_EXISTS:
+        case ERROR_FILE_EXISTS:
+            return Rename::TargetExists;
+        case ERROR_NOT_SAME_DEVICE:
+            return Rename::OtherFileSystem;
+        default:
+            return Rename::Failed;
+    }
+}
+
 }  // namespace orbline

@@ -2,6 +2,8 @@
 
 #include "common/FileSync.h"
 
+#include <QCoreApplication>
+
 #include <system_error>
 
 using namespace Qt::StringLiterals;
@@ -65,33 +67,42 @@ bool CopyFileOver(const QString& source, const QString& target) {
     return fs::copy_file(FsPath(source), FsPath(target), fs::copy_options::overwrite_existing, ec);
 }
 
-bool MoveFileDurable(const QString& source, const QString& target) {
+MoveResult MoveFileDurable(const QString& source, const QString& target) {
     const fs::path from = FsPath(source);
     const fs::path to = FsPath(target);
+    const fs::path folder = to.parent_path().empty() ? fs::path(".") : to.parent_path();
     std::error_code ec;
-    if (!fs::is_regular_file(from, ec)) return false;
+    if (!fs::is_regular_file(from, ec)) return MoveResult::Failed;
     SyncFile(from);
-    fs::rename(from, to, ec);
-    if (!ec) {
-        SyncFolder(to.parent_path().empty() ? fs::path(".") : to.parent_path());
-        return true;
+    fs::path staging;
+    switch (RenameNoReplace(from, to)) {
+        case Rename::Done:
+            SyncFolder(folder);
+            return MoveResult::Moved;
+        case Rename::TargetExists:
+            return MoveResult::TargetExists;
+        case Rename::Failed:
+            return MoveResult::Failed;
+        case Rename::OtherFileSystem:
+            // A copy beside the target under a name no reader takes (not "*.csv") and no other
+            // process writes into (its own process id), then renamed there as above.
+            staging = to;
+            staging += ".";
+            staging += std::to_string(QCoreApplication::applicationPid());
+            staging += ".part";
+            break;
     }
-    // Another file system: copy beside the target under a name no reader takes, then rename.
-    fs::path staging = to;
-    staging += ".part";
-    if (!fs::copy_file(from, staging, fs::copy_options::overwrite_existing, ec) ||
-        !SyncFile(staging)) {
+    const Rename taken =
+        fs::copy_file(from, staging, fs::copy_options::overwrite_existing, ec) && SyncFile(staging)
+            ? RenameNoReplace(staging, to)
+            : Rename::Failed;
+    if (taken != Rename::Done) {
         fs::remove(staging, ec);
-        return false;
+        return taken == Rename::TargetExists ? MoveResult::TargetExists : MoveResult::Failed;
     }
-    fs::rename(staging, to, ec);
-    if (ec) {
-        fs::remove(staging, ec);
-        return false;
-    }
-    SyncFolder(to.parent_path().empty() ? fs::path(".") : to.parent_path());
+    SyncFolder(folder);
     fs::remove(from, ec);
-    return true;
+    return MoveResult::Moved;
 }
 
 }  // namespace orbline

@@ -37,19 +37,32 @@ QString ResultRecordLine(const ResultFields& f) {
     return fields.join(u',');
 }
 
-void MakeOutFileEx(const QString& folder, QString& path, const QString& prefix) {
+namespace {
+
+QString NextOutName(const QString& folder, const QString& prefix) {
     RunContext& c = Ctx();
     if (!FolderExists(folder)) MakeFolder(folder);
     const QString stamp = NowText(u"YYYYMMDDHHMMDD"_s);
     c.OutSerial += 1;
-    path = folder + u"\\"_s + c.InstrumentCode + u"-"_s + prefix + u"-"_s + stamp +
+    return folder + u"\\"_s + c.InstrumentCode + u"-"_s + prefix + u"-"_s + stamp +
            FormatNumber(QString::number(c.OutSerial), u"00000"_s) + u"~KVB.csv"_s;
+}
+
+}  // namespace
+
+void MakeOutFileEx(const QString& folder, QString& path, const QString& prefix) {
+    path = NextOutName(folder, prefix);
     DeleteFile(path);
 }
 
 void MakeOutFile(const QString& folder, QString& path) {
     Ctx().OutFolder = folder;
     MakeOutFileEx(folder, path, Ctx().IniPrefix);
+}
+
+void MakeDeliveryName(const QString& folder, QString& path) {
+    Ctx().OutFolder = folder;
+    path = NextOutName(folder, Ctx().IniPrefix);
 }
 
 std::int16_t HasFiles(std::int16_t kind, const QString& folder) {
@@ -73,11 +86,20 @@ std::int16_t HasFiles(std::int16_t kind, const QString& folder) {
 
 namespace {
 
-// A new name in JyusinDataPath, the move there, and the log pair "出力完了(Write) -- ".
+// Names one process may find taken in a row before its move counts as failed.
+constexpr int kDeliveryNameTries = 100000;
+
+// A new name in JyusinDataPath, the move there, and the log pair "出力完了(Write) -- ". A name
+// that is taken, by a file of an earlier process or by another process at this moment, moves
+// the serial on.
 void MoveIntoDelivery(const QString& workPath, FailedMove failedMove, QString* deliveredPath) {
     QString target;
-    MakeOutFile(Ctx().JyusinDataPath, target);
-    if (MoveFileDurable(workPath, target)) {
+    MoveResult moved = MoveResult::TargetExists;
+    for (int tries = 0; tries < kDeliveryNameTries && moved == MoveResult::TargetExists; ++tries) {
+        MakeDeliveryName(Ctx().JyusinDataPath, target);
+        moved = MoveFileDurable(workPath, target);
+    }
+    if (moved == MoveResult::Moved) {
         if (deliveredPath != nullptr) *deliveredPath = target;
     } else if (failedMove == FailedMove::Throws) {
         throw RuntimeError(errors::PathNotFound());

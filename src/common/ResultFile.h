@@ -1,6 +1,6 @@
 #pragma once
 // Result records and their delivery: a file is built in the work folder and moved into the
-// delivery folder only when complete, under a name that no earlier file of this process had.
+// delivery folder only when complete, under a name that no file there has.
 
 #include <QString>
 
@@ -40,9 +40,15 @@ struct ResultFields {
 QString ResultRecordLine(const ResultFields& fields);
 
 // folder\code-prefix-stampserial~KVB.csv, stamp "YYYYMMDDHHMMDD", serial OutSerial in "00000"
-// after adding 1. Makes the folder (one level) when missing and deletes a file of that name.
+// after adding 1. Makes the folder (one level) when missing and deletes a file of that name:
+// for work files only. In the work folder such a file was left by an earlier process of the same
+// code and prefix (and so of the same port, which one process at a time holds), and nothing
+// picks it up.
 void MakeOutFile(const QString& folder, QString& path);
 void MakeOutFileEx(const QString& folder, QString& path, const QString& prefix);
+// MakeOutFile for the delivery folder, where no file is ever deleted: the name and the serial
+// only. The move into it takes the name, or the next free one.
+void MakeDeliveryName(const QString& folder, QString& path);
 
 // 1 when the first match of the kind's pattern in the folder (kind 1 "*.csv", 2 "*.txt",
 // 3 "*uke.txt") has a name of more than one character, else 0.
@@ -54,7 +60,8 @@ enum class Delivery { Delivered, Empty };
 enum class FailedMove { Throws, PassedOver };
 // The common end of a result edit, for a closed work file: when it holds bytes, a new name in
 // JyusinDataPath and the move ("出力完了(Write) -- "); when empty, its deletion
-// ("Size=0のため出力なし -- "). A work file that is not there throws RuntimeError. A failed move
+// ("Size=0のため出力なし -- "). A name that a file of the delivery folder has moves the serial
+// on to the next free one. A work file that is not there throws RuntimeError. A failed move
 // leaves the work file where it is.
 Delivery DeliverWorkFile(const QString& workPath, FailedMove failedMove,
                          QString* deliveredPath = nullptr);

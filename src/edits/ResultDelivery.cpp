@@ -16,7 +16,7 @@ void WriteAndDeliver(const QString& lines, DeliveryNames names) {
     });
     if (names == DeliveryNames::OneBurnt) {
         QString unusedName;
-        PassOver([&] { MakeOutFile(Ctx().JyusinDataPath, unusedName); });
+        PassOver([&] { MakeDeliveryName(Ctx().JyusinDataPath, unusedName); });
     }
     PassOver([&] { DeliverWorkFile(workPath, FailedMove::PassedOver); });
 }

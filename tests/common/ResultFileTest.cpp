@@ -1,6 +1,6 @@
-// Result file names, the record line, and the move across file systems. The delivery itself
-// (the move, the empty and the failed one, the log pair) runs in the edit tests and the
-// scenarios.
+// Result file names, the record line, and the move that never replaces a file, also across
+// file systems. The delivery itself (the move, the empty and the failed one, the log pair) runs
+// in the edit tests and the scenarios.
 
 #include "common/Paths.h"
 #include "common/ResultFile.h"
@@ -12,41 +12,62 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <latch>
+#include <thread>
+
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
 using orbline::test::TestSite;
 
-TEST(ResultFileName, StampIsMinuteThenDayAndSerialCountsPerName) {
+// 09:30 on the 16th: "...0930" then the day "16", no seconds. A delivered file of the name
+// stays, also under the 0980 edit's extra name, and the move takes the next serial.
+TEST(ResultFileName, StampIsMinuteThenDayAndTakenDeliveryNamesStay) {
     TestSite site;
     Ctx().IniPrefix = u"TN"_s;
-    QString first;
-    QString second;
-    MakeOutFile(site.path(u"out"_s), first);
-    MakeOutFile(site.path(u"out"_s), second);
-    // 09:30 on the 16th: "...0930" then the day "16", no seconds.
-    EXPECT_EQ(first, site.path(u"out"_s) + u"\\2620-TN-2025041609301600001~KVB.csv"_s);
-    EXPECT_EQ(second, site.path(u"out"_s) + u"\\2620-TN-2025041609301600002~KVB.csv"_s);
-    EXPECT_TRUE(site.exists(u"out"_s));
-    // The serial widens past 99999 rather than wrapping onto an earlier name.
+    Ctx().JyusinDataPath = site.path(u"data"_s);
+    const QString stem = u"data/2620-TN-202504160930160000"_s;
+    site.writeFile(stem + u"1~KVB.csv"_s, "1");
+    site.writeFile(u"work"_s, "2");
+    QString path;
+    MakeDeliveryName(site.path(u"data"_s), path);
+    Ctx().OutSerial = 0;
+    DeliverWorkFile(site.path(u"work"_s), FailedMove::Throws, &path);
+    EXPECT_EQ(path, site.path(stem + u"2~KVB.csv"_s));
+    EXPECT_EQ(site.readFile(stem + u"1~KVB.csv"_s) + site.readFile(stem + u"2~KVB.csv"_s), "12");
+
+    // The serial widens past 99999 rather than wrapping onto an earlier name; one level of
+    // folder is made, no more.
     Ctx().OutSerial = 99999;
-    MakeOutFile(site.path(u"out"_s), second);
-    EXPECT_TRUE(second.endsWith(u"20250416093016100000~KVB.csv"_s));
+    MakeOutFile(site.path(u"out"_s), path);
+    EXPECT_TRUE(path.endsWith(u"20250416093016100000~KVB.csv"_s));
+    EXPECT_TRUE(site.exists(u"out"_s));
+    MakeOutFile(site.path(u"a\\b"_s), path);
+    EXPECT_FALSE(site.exists(u"a"_s));
 }
 
-TEST(ResultFileName, ExistingFileIsDeletedAndOnlyOneLevelIsMade) {
+// Two movers take one name at once: one gets it, the other is told and takes the next name.
+TEST(Delivery, TwoMovesRacingForOneNameBothArriveUnderDifferentNames) {
     TestSite site;
-    Ctx().IniPrefix = u"TN"_s;
-    site.writeFile(u"out/2620-TN-2025041609301600001~KVB.csv"_s, "stale");
-    QString path;
-    MakeOutFile(site.path(u"out"_s), path);
-    EXPECT_FALSE(FileExists(path));
-
-    QString deep;
-    MakeOutFile(site.path(u"a\\b"_s), deep);
-    EXPECT_FALSE(site.exists(u"a"_s));
-    EXPECT_EQ(Ctx().OutSerial, 2);
+    for (int round = 0; round < 20; ++round) {
+        const QString name = u"r"_s + QString::number(round);
+        for (const QString& file : {u"a"_s, u"b"_s}) site.writeFile(file, file.toLatin1());
+        MoveResult results[2] = {};
+        std::latch start(2);
+        auto move = [&](int i, const QString& source) {
+            start.arrive_and_wait();
+            results[i] = MoveFileDurable(site.path(source), site.path(name));
+        };
+        std::thread other(move, 1, u"b"_s);
+        move(0, u"a"_s);
+        other.join();
+        const int winner = results[0] == MoveResult::Moved ? 0 : 1;
+        ASSERT_EQ(results[winner], MoveResult::Moved) << round;
+        ASSERT_EQ(results[1 - winner], MoveResult::TargetExists) << round;
+        MoveFileDurable(site.path(winner == 0 ? u"b"_s : u"a"_s), site.path(name + u"+"_s));
+        EXPECT_EQ(site.readFile(name) + site.readFile(name + u"+"_s), winner == 0 ? "ab" : "ba");
+    }
 }
 
 // The scenarios' records show each field in its place; here the reset values and the cleaning.
@@ -56,7 +77,7 @@ TEST(ResultRecordLine, NineteenFieldsFromTheResetWithTheValueCleaned) {
     EXPECT_EQ(ResultRecordLine({.ResultValue = u">999"_s}).section(u',', 13, 13), u"＞999"_s);
 }
 
-TEST(Delivery, AcrossFileSystemsTheFileArrivesWholeAndNoStagingNameStays) {
+TEST(Delivery, AcrossFileSystemsTheFileArrivesWholeReplacingNothingAndNoStagingNameStays) {
     struct stat tmpStat {};
     struct stat shmStat {};
     if (::stat("/dev/shm", &shmStat) != 0 ||
@@ -69,13 +90,17 @@ TEST(Delivery, AcrossFileSystemsTheFileArrivesWholeAndNoStagingNameStays) {
     const QByteArray big(3 * 1024 * 1024, 'r');
     site.writeFile(u"w.csv"_s, big);
     const QString target = QString(other.path()).replace(u'/', u'\\') + u"\\d~KVB.csv"_s;
-    ASSERT_TRUE(MoveFileDurable(work, target));
+    site.writeFile(u"taken"_s, "taken");
+    ASSERT_EQ(MoveFileDurable(site.path(u"taken"_s), target), MoveResult::Moved);
+    EXPECT_EQ(MoveFileDurable(work, target), MoveResult::TargetExists);
+    ASSERT_EQ(MoveFileDurable(work, target + u"2"_s), MoveResult::Moved);
     EXPECT_FALSE(FileExists(work));
     EXPECT_EQ(QDir(other.path()).entryList(QDir::Files | QDir::Hidden),
-              (QStringList{u"d~KVB.csv"_s}));
-    QFile delivered(other.path() + u"/d~KVB.csv"_s);
-    ASSERT_TRUE(delivered.open(QIODevice::ReadOnly));
-    EXPECT_EQ(delivered.readAll(), big);
+              (QStringList{u"d~KVB.csv"_s, u"d~KVB.csv2"_s}));
+    QFile taken(other.path() + u"/d~KVB.csv"_s);
+    QFile delivered(other.path() + u"/d~KVB.csv2"_s);
+    ASSERT_TRUE(taken.open(QIODevice::ReadOnly) && delivered.open(QIODevice::ReadOnly));
+    EXPECT_EQ(taken.readAll() + delivered.readAll(), "taken" + big);
 }
 
 TEST(HasFiles, LooksForTheKindsPatternDirectlyInTheFolder) {
