@@ -20,30 +20,11 @@ TEST(OrderStore, DriverIsChosenByTheFirstBytesOfTheFile) {
               u"password=xq40172635"_s);
 }
 
-TEST(OrderStoreDeathTest, AMissingStoreEndsTheProcessWithStatusOneAndIsNotCreated) {
-    TestSite site;
-    Ctx().InstrumentCode = u"1660"_s;
-    Ctx().DbPath = site.path(u"nodb"_s);
-    QDir().mkpath(site.native(u"nodb"_s));
-    QString kana;
-    QString tests;
-    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1),
-                "データベースの取得に失敗しました");
-    EXPECT_FALSE(site.exists(u"nodb/KV_Orbline2.min"_s));
-    EXPECT_TRUE(DecodeAnsi(site.readFile(u"Tesvane1660.log"_s))
-                    .endsWith(u"】データベースの取得に失敗しました\r\n"_s));
-
-    // A file that is no database, and an ODBC driver that does not exist, end the same way.
-    site.writeFile(u"nodb/KV_Orbline2.min"_s, "plain text");
-    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1), "");
-    Ctx().DbConnect = u"Driver=NoSuchDriver;Database=x"_s;
-    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1),
-                "データベースの取得に失敗しました");
-}
-
-// The main log and standard error keep the fixed text; the driver's words go to standard error
-// and to the diagnostic log. A connection string may hold a password and is never written.
-TEST(OrderStoreDeathTest, AStoreThatCannotBeOpenedSaysWhyInTheDiagnosticLog) {
+// A missing store, a file that is no database and an ODBC driver that does not exist each end
+// the process with status 1, and no store is made. The main log and standard error keep the
+// fixed text; the driver's words go to standard error and to the diagnostic log. A connection
+// string may hold a password and is never written.
+TEST(OrderStoreDeathTest, AStoreThatCannotBeOpenedEndsWithStatusOneAndSaysWhy) {
     TestSite site;
     Ctx().InstrumentCode = u"1660"_s;
     Ctx().DbPath = site.path(u"nodb"_s);
@@ -54,15 +35,21 @@ TEST(OrderStoreDeathTest, AStoreThatCannotBeOpenedSaysWhyInTheDiagnosticLog) {
     EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1),
                 "データベースの取得に失敗しました\n2025-04-16 09:30:15 1660 order store " + file +
                     " cannot be opened: no such file: " + file + "\n$");
+    EXPECT_FALSE(site.exists(u"nodb/KV_Orbline2.min"_s));
+    EXPECT_TRUE(DecodeAnsi(site.readFile(u"Tesvane1660.log"_s))
+                    .endsWith(u"】データベースの取得に失敗しました\r\n"_s));
     EXPECT_EQ(DecodeAnsi(site.readFile(u"KV_Orbline1660.diag"_s)),
               u"2025-04-16 09:30:15 1660 order store "_s + QString::fromStdString(file) +
                   u" cannot be opened: no such file: "_s + QString::fromStdString(file) +
                   u"\r\n"_s);
 
+    site.writeFile(u"nodb/KV_Orbline2.min"_s, "plain text");
+    EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1), "");
     Ctx().DbConnect = u"Driver=NoSuchDriver;Database=x;PWD=secret42"_s;
     EXPECT_EXIT(LookupOrder1660(u"K"_s, kana, tests, u"1660"_s), ::testing::ExitedWithCode(1),
-                "order store \\(DbConnect of section User\\) cannot be opened: .*NoSuchDriver");
+                "データベースの取得に失敗しました\n.*order store \\(DbConnect of section User\\) "
+                "cannot be opened: .*NoSuchDriver");
     const QString diagnosis = DecodeAnsi(site.readFile(u"KV_Orbline1660.diag"_s));
-    EXPECT_EQ(diagnosis.count(u"\r\n"_s), 2) << diagnosis.toStdString();
+    EXPECT_EQ(diagnosis.count(u"\r\n"_s), 3) << diagnosis.toStdString();
     EXPECT_FALSE(diagnosis.contains(u"secret42"_s));
 }
