@@ -55,30 +55,13 @@ class OrderSite {
         QDir().mkpath(site.native(QStringLiteral("db")));
         Ctx().DbPath = site.path(QStringLiteral("db"));
         QString error;
-        created = CreateOrderStore(storeFile(), &error);
-        EXPECT_TRUE(created) << error.toStdString();
+        EXPECT_TRUE(CreateOrderStore(storeFile(), &error)) << error.toStdString();
     }
     ~OrderSite() { QSqlDatabase::removeDatabase(QString::fromUtf16(kChecker)); }
     OrderSite(const OrderSite&) = delete;
     OrderSite& operator=(const OrderSite&) = delete;
 
     QString storeFile() const { return site.native(QStringLiteral("db/KV_Orbline2.min")); }
-
-    // A row as another writer of the store would leave it; std::nullopt is NULL.
-    void insert(const Cells& cells) {
-        QStringList names;
-        QStringList marks;
-        for (const auto& [name, value] : cells) {
-            names.append(name);
-            marks.append(QStringLiteral("?"));
-        }
-        QSqlQuery q(checker());
-        q.prepare(QStringLiteral("INSERT INTO T_ORDER (") + names.join(u',') +
-                  QStringLiteral(") VALUES (") + marks.join(u',') + u')');
-        for (const auto& [name, value] : cells)
-            q.addBindValue(value ? QVariant(*value) : QVariant(QMetaType(QMetaType::QString)));
-        EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
-    }
 
     // An order of one instrument with its tests; extra cells are added or replace those.
     void order(const QString& date, const QString& renban, const QString& code,
@@ -94,7 +77,16 @@ class OrderSite {
         for (qsizetype i = 0; i < tests.size(); ++i)
             cells[QStringLiteral("KENSA") + QString::number(i + 1)] = tests[i];
         for (const auto& [name, value] : extra) cells[name] = value;
-        insert(cells);
+        // The row as another writer of the store would leave it; std::nullopt is NULL.
+        QStringList names;
+        for (const auto& [name, value] : cells) names.append(name);
+        QSqlQuery q(checker());
+        q.prepare(QStringLiteral("INSERT INTO T_ORDER (") + names.join(u',') +
+                  QStringLiteral(") VALUES (") +
+                  QStringList(names.size(), QStringLiteral("?")).join(u',') + u')');
+        for (const auto& [name, value] : cells)
+            q.addBindValue(value ? QVariant(*value) : QVariant(QMetaType(QMetaType::QString)));
+        EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
     }
 
     void exec(const QString& sql) {
@@ -116,7 +108,6 @@ class OrderSite {
     }
 
     TestSite site;
-    bool created = false;
 
   private:
     static constexpr auto kChecker = u"order_test_checker";
