@@ -18,6 +18,7 @@
 #include <QSqlRecord>
 #include <QVariant>
 
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -121,10 +122,14 @@ class OrderSite {
     }
 };
 
-// The text of a column, or "<NULL>".
-inline QString Cell(const QSqlRecord& row, const char* name) {
-    const QString column = QString::fromLatin1(name);
-    return row.isNull(column) ? QStringLiteral("<NULL>") : row.value(column).toString();
+// The texts of the columns, "<NULL>" for NULL, joined by "|".
+inline QString Columns(const QSqlRecord& row, std::initializer_list<const char*> names) {
+    QStringList texts;
+    for (const char* name : names) {
+        const QString column = QString::fromLatin1(name);
+        texts.append(row.isNull(column) ? QStringLiteral("<NULL>") : row.value(column).toString());
+    }
+    return texts.join(u'|');
 }
 
 // The first poll sees the files; the second takes those it finds as the first saw them.
