@@ -9,17 +9,17 @@ using namespace orbline::test;
 
 namespace {
 
-QByteArray OrderLine(const QString& date, const QString& renban, const QString& key,
-                     const QString& code, const QStringList& tests) {
-    QStringList f = {date, renban, u"0930"_s, key, code};
+// A line of 2025-04-16 09:30 whose fields 5 to 39 hold their place ("f5" ...), then the tests.
+QByteArray OrderLine(const QString& renban, const QString& key, const QString& code,
+                     const QStringList& tests) {
+    QStringList f = {u"20250416"_s, renban, u"0930"_s, key, code};
     while (f.size() < 40) f.append(u"f"_s + QString::number(f.size()));
     return EncodeAnsi((f + tests).join(u","_s));
 }
 
 // An order of one test under the key, with its line end.
 QByteArray Line(const char* key, int renban = 1) {
-    return OrderLine(u"20250416"_s, QString::number(renban), QString::fromLatin1(key), u"1660"_s,
-                     {u"Na"_s}) +
+    return OrderLine(QString::number(renban), QString::fromLatin1(key), u"1660"_s, {u"Na"_s}) +
            "\r\n";
 }
 
@@ -39,8 +39,7 @@ TYPED_TEST_SUITE(OrderIntakeTest, OrderBackends, BackendNames);
 // Other instruments' files alone start nothing; empty files alone are deleted and logged.
 TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLinePerRun) {
     TestSite& site = this->site();
-    site.writeFile(u"orders/1650other.csv"_s,
-                   OrderLine(u"20250416"_s, u"9"_s, u"K9"_s, u"1650"_s, {u"PT"_s}));
+    site.writeFile(u"orders/1650other.csv"_s, OrderLine(u"9"_s, u"K9"_s, u"1650"_s, {u"PT"_s}));
     TakeSettled(TakeOrders1660);
     EXPECT_TRUE(this->store.mainLog(u"1660"_s).isEmpty());
     EXPECT_FALSE(site.exists(u"WkOrder1660.txt"_s));
@@ -49,11 +48,10 @@ TYPED_TEST(OrderIntakeTest, AFolderOfMixedFilesBecomesRowsDeletionsAndOneLogLine
     EXPECT_FALSE(site.exists(u"orders/1660empty.csv"_s));
 
     site.writeFile(u"orders/1660a.csv"_s,
-                   OrderLine(u"20250416"_s, u"1"_s, u" K1 "_s, u"1660"_s,
+                   OrderLine(u"1"_s, u" K1 "_s, u"1660"_s,
                              {u" 9NACL"_s, u"cknac"_s, u"CKNAC"_s, u"FERR"_s, u"AMH"_s}) +
                        "\n\r" + EncodeAnsi(u"20250416,2,0930,K2,1660,山田 太郎\r\n"_s));
-    site.writeFile(u"orders/sub/1660ABC.CSV"_s,
-                   OrderLine(u"20250416"_s, u"3"_s, u"K3"_s, u"1660"_s, {u"Na"_s}));
+    site.writeFile(u"orders/sub/1660ABC.CSV"_s, OrderLine(u"3"_s, u"K3"_s, u"1660"_s, {u"Na"_s}));
     TakeSettled(TakeOrders1660);
 
     const auto rows = this->store.rows();
@@ -85,7 +83,7 @@ TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormer
     QStringList tests{u"9NACL"_s};
     while (tests.size() < 45) tests.append(u"Na"_s);
     this->site().writeFile(u"orders/1660a.csv"_s,
-                           OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s, u"1660"_s, tests));
+                           OrderLine(u"7"_s, u"O'Brien"_s, u"1660"_s, tests));
     TakeSettled(TakeOrders1660);
     auto rows = this->store.rows();
     ASSERT_EQ(rows.size(), 1u);
@@ -97,8 +95,8 @@ TYPED_TEST(OrderIntakeTest, ALineFillsItsColumnsAndTheSameKeyAgainLeavesNoFormer
 
     this->store.order(u"20250415"_s, u"7"_s, u"1660"_s, u"O'Brien"_s, {u"4277"_s});
     SetFixedNow("2025-04-16 10:00:00");
-    this->site().writeFile(u"orders/1660b.csv"_s, OrderLine(u"20250416"_s, u"7"_s, u"O'Brien"_s,
-                                                            u"1660"_s, {u"UN"_s, u"unknown"_s}));
+    this->site().writeFile(u"orders/1660b.csv"_s,
+                           OrderLine(u"7"_s, u"O'Brien"_s, u"1660"_s, {u"UN"_s, u"unknown"_s}));
     TakeSettled(TakeOrders1660);
     rows = this->store.rows(u"KENSAYMD = '20250416'"_s);
     ASSERT_EQ(rows.size(), 1u);
@@ -133,8 +131,7 @@ TEST(OrderIntake, EachInstrumentTakesItsOwnFilesWithItsOwnTable) {
         Ctx().InstrumentCode = c.code;
         Ctx().OrderPath = s.site.path(u"orders"_s);
         Ctx().OrderPath2 = s.site.path(u"orders2"_s);
-        s.site.writeFile(
-            c.file, OrderLine(u"20250416"_s, u"1"_s, u"K"_s, c.code, c.tests.split(u',')) + "\r\n");
+        s.site.writeFile(c.file, OrderLine(u"1"_s, u"K"_s, c.code, c.tests.split(u',')) + "\r\n");
         TakeSettled(c.take);
         const auto rows = s.rows();
         ASSERT_EQ(rows.size(), 1u);
