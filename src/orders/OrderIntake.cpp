@@ -1,6 +1,7 @@
 #include "orders/OrderIntake.h"
 
 #include "common/Diagnostics.h"
+#include "common/EventYield.h"
 #include "common/FindFiles.h"
 #include "common/Logging.h"
 #include "common/Paths.h"
@@ -11,7 +12,6 @@
 #include "orders/OrderFileLines.h"
 #include "orders/OrderStore.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -30,11 +30,6 @@ namespace {
 constexpr qsizetype kBatchLines = 500;
 
 using FileStamp = std::pair<qint64, qint64>;
-
-// Lets the window and the close request run while a long intake works.
-void YieldToUser() {
-    QCoreApplication::processEvents();
-}
 
 // Size and time of the last change, of a file that is there.
 std::optional<FileStamp> StampOf(const QString& path) {
@@ -213,20 +208,20 @@ void TakeOrders(const IntakeConfig& config) {
     for (const QString& path :
          SettledFiles(config.folder, FindFilesDeep(config.folder, config.pattern))) {
         list += path + u"\r\n"_s;
-        YieldToUser();
+        YieldToEvents();
     }
     if (list.isEmpty()) return;
 
     const QString workPath = Ctx().AppPath + u"\\\\"_s + config.workFile;
     if (FileExists(workPath)) DeleteFile(workPath);
     WriteNewLine(workPath, list);
-    YieldToUser();
+    YieldToEvents();
 
     const QStringList paths = FilesToTake(workPath);
     const ItemTable items = FillItemTable(config.items);
     qsizetype whole = 0;
     for (const QString& path : paths) {
-        YieldToUser();
+        YieldToEvents();
         if (TakeOrderFile(config.folder, path, items)) ++whole;
     }
 
