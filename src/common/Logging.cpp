@@ -89,6 +89,12 @@ void LogFileOnly(const QString& fileText, LogForm form) {
     GLogWrite(u"0"_s, line);
 }
 
+void LogDetail(const QString& text, const QString& value) {
+    if (Ctx().LogMeisai != u"1"_s) return;
+    QString line = text + LogTime() + u":"_s + value;
+    GLogWrite(u"1"_s, line);
+}
+
 void BlockFileOut(const QString& folder, const QString& prefix, const QString& number) {
     const QString path = folder + u"\\"_s + prefix + u"_"_s + number + u".txt"_s;
     DeleteFile(path);

@@ -34,6 +34,9 @@ enum class LogForm { Short, Full };
 void LogEvent(const QString& consoleText, const QString& fileText, LogForm form);
 // The file text alone, kind "0".
 void LogFileOnly(const QString& fileText, LogForm form);
+// A numbered detail line, kind "1", only when LogMeisai is "1": the text, the time, ":" and the
+// value.
+void LogDetail(const QString& text, const QString& value);
 
 // Block file folder\prefix_number.txt, written anew with ReceiveBuffer(0) + CR LF.
 void BlockFileOut(const QString& folder, const QString& prefix, const QString& number);

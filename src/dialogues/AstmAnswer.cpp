@@ -131,6 +131,7 @@ PlanActions BeginAnswer(AstmAnswerState& state) {
     state.stage = SendStage::Nothing;
     state.refusals = 0;
     state.afterLookup = AfterLookup::Nothing;
+    state.recordStage = SendStage::Nothing;
     return {SendControl{Control::Enq}, LogPair{u"オーダデータ要求送信中 --  "_s,
                                                u"データデータ要求送信中 -- "_s, LogForm::Short}};
 }

@@ -1,5 +1,5 @@
 #pragma once
-// The order phase of the frame dialogues 0980, 1160 and 1190 as a pure plan: the host has
+// The order phase of the frame dialogues as a pure plan: the host has
 // taken the line with ENQ, and each reply of the instrument moves the answer on by one record
 // (header, patient, order in one or two frames, terminator) until EOT gives the line back.
 // What differs by instrument is a shape (where the lookup runs, what a refusal brings, how a
@@ -57,9 +57,18 @@ struct AstmAnswerState {
     SendStage stage = SendStage::Nothing;
     std::int16_t frameNo = 0;
     std::int16_t refusals = 0;  // replies other than ACK in this phase, ACKs between or not
-    QString longRecord;         // the whole text of an order record that takes two frames
+    QString longRecord;         // the whole text of a record that takes two frames
     OrderAnswer answer;
     AfterLookup afterLookup = AfterLookup::Nothing;
+    // The record sent last where it is not the send stage (1730): kept from a stop to a start.
+    SendStage recordStage = SendStage::Nothing;
+};
+
+// The order phase of one dialogue: what the host does at each reply of the instrument and when
+// the answer of its lookup comes back.
+struct AnswerPlan {
+    PlanActions (*reply)(AstmAnswerState& state, ReplyClass reply) = nullptr;
+    PlanActions (*lookup)(AstmAnswerState& state, const OrderAnswer& answer) = nullptr;
 };
 
 // The refusals an order phase takes before it gives the line back.
@@ -73,5 +82,17 @@ PlanActions AnswerReply(const AstmAnswerShape& shape, const RecordTexts& records
 // The answer of the lookup a RunLookup asked for.
 PlanActions AnswerLookup(const AstmAnswerShape& shape, const RecordTexts& records,
                          AstmAnswerState& state, const OrderAnswer& answer);
+
+// The record-by-record plan of a dialogue with this shape and these record texts.
+using RecordText = QString (*)(RecordKind kind, const QString& frameNo, const OrderAnswer& answer);
+template <const AstmAnswerShape& shape, RecordText record>
+inline constexpr AnswerPlan kRecordPlan{
+    [](AstmAnswerState& state, ReplyClass reply) {
+        return AnswerReply(shape, record, state, reply);
+    },
+    [](AstmAnswerState& state, const OrderAnswer& answer) {
+        return AnswerLookup(shape, record, state, answer);
+    },
+};
 
 }  // namespace orbline

@@ -10,6 +10,7 @@
 #include "common/Paths.h"
 #include "common/RuntimeError.h"
 #include "dialogues/CommCycle.h"
+#include "dialogues/PieceReaders.h"
 #include "dialogues/ReadWindow.h"
 #include "edits/PieceFiles.h"
 #include "serial/AwComm.h"
@@ -43,6 +44,7 @@ struct AstmRun {
     explicit AstmRun(const AstmDialogue& dialogue)
         : d(dialogue), pollCounts(dialogue.pollers.size(), 0) {
         plan.answering = dialogue.memory().answering;
+        plan.recordStage = dialogue.memory().recordStage;
         window.waitMs = ScaledMilliseconds(dialogue.readWaitMs);
     }
 
@@ -52,6 +54,7 @@ struct AstmRun {
     QString stamp;
     AstmAnswerState plan;
     ReadWindow window;
+    JoinToCrLf joiner;
     std::vector<std::int16_t> pollCounts;
 
     void Carry(const PlanActions& actions) {
@@ -77,12 +80,21 @@ struct AstmRun {
     void Do(const LogPair& a) { LogEvent(a.console, a.file, a.form); }
     void Do(const RunLookup&) {
         const OrderAnswer answer = d.lookup(plan.answer);
-        Carry(AnswerLookup(d.answer, d.record, plan, answer));
+        Carry(d.plan.lookup(plan, answer));
+    }
+    void Do(const TraceText& a) { Trace(a.text, stamp); }
+    void Do(const DetailLine& a) { LogDetail(a.text, a.value); }
+    void Detail(const QString& text, const QString& value) const {
+        if (d.logsDetail) LogDetail(text, value);
     }
 
     // The instrument sends: every piece is saved, and acknowledged but for the EOT piece.
     void TakePiece(const QString& piece) {
-        switch (d.checkReceive(piece)) {
+        const PieceKind kind = d.checkReceive(piece);
+        // The receive classifiers never refuse a piece: its code is always 0.
+        Detail(u"詳細ログ(001) -- "_s, piece + u":0"_s);
+        Detail(u"詳細ログ(002) -- "_s, piece);
+        switch (kind) {
             case PieceKind::Enq:
                 // An ENQ inside a transmission: the one before never ended, and its pieces must
                 // not become part of this one's result.
@@ -143,8 +155,9 @@ struct AstmRun {
     // The host answers: every piece is the reply to its last frame.
     void AnswerPiece(const QString& piece) {
         const ReplyClass reply = d.checkReply(piece, plan.stage);
-        Trace(piece, stamp);
-        Carry(AnswerReply(d.answer, d.record, plan, reply));
+        Trace(d.replyTraceMark.toString() + piece, stamp);
+        Detail(u"詳細ログ(003) -- "_s, piece);
+        Carry(d.plan.reply(plan, reply));
     }
 
     void OneRound() {
@@ -161,6 +174,7 @@ struct AstmRun {
             bytes = ReadText1(f.comm());
         }
         std::optional<QString> read = TakeRead(window, MonotonicMs(), bytes);
+        if (read && d.framing == Framing::JoinedToCrLf) read = Join(joiner, *read);
         if (!read) return;
         QString& piece = Ctx().ReceiveBuffer.checked(0);
         piece = std::move(*read);
@@ -181,6 +195,7 @@ void RunAstmLoop(const AstmDialogue& dialogue) {
         // A step that fails is passed over; the polling goes on.
         PassOver([&] { run.OneRound(); });
         dialogue.memory().answering = run.plan.answering;
+        dialogue.memory().recordStage = run.plan.recordStage;
     }
 }
 

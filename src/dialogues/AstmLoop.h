@@ -17,10 +17,12 @@
 
 namespace orbline {
 
-// What the loop keeps from one session to the next: whether the host is answering. A
-// dialogue's own memory (the query, the echoed header fields) derives from it.
+// What the loop keeps from one session to the next: whether the host is answering, and the
+// record it sent last where that is not the send stage. A dialogue's own memory (the query,
+// the echoed header fields) derives from it.
 struct AstmMemory : DialogueMemory {
     bool answering = false;
+    SendStage recordStage = SendStage::Nothing;
 };
 
 // The loop's view of the memory of a dialogue of type T.
@@ -29,6 +31,12 @@ AstmMemory& AstmMemoryOf() {
     return MemoryOf<T>();
 }
 
+// How reads become pieces.
+enum class Framing {
+    AsRead,        // a read is a piece
+    JoinedToCrLf,  // a read that begins with STX is joined with the next up to its CR LF
+};
+
 struct AstmDialogue {
     QStringView folder;  // work folder in AppPath, "c980"
     QStringView prefix;  // piece file prefix, "c980"
@@ -36,6 +44,7 @@ struct AstmDialogue {
     bool clearsMarkOnEntry = false;
     std::span<const OrderPoller> pollers{};
     int readWaitMs = 100;  // from a piece's first byte to its read
+    Framing framing = Framing::AsRead;
     PieceKind (*checkReceive)(const QString&) = nullptr;
     ReplyClass (*checkReply)(const QString&, SendStage) = nullptr;
     // The EOT flag is cleared before the edit, so that it never outlives its message.
@@ -47,9 +56,11 @@ struct AstmDialogue {
     bool (*edit)(std::int16_t pieceCount) = nullptr;
     // The order lookup of the query in memory, from the answer of the lookup before.
     OrderAnswer (*lookup)(const OrderAnswer& previous) = nullptr;
-    // The records of the answer, from the query in memory.
-    QString (*record)(RecordKind kind, const QString& frameNo, const OrderAnswer& answer) = nullptr;
-    AstmAnswerShape answer{};
+    AnswerPlan plan{};
+    // The numbered detail lines of reception and answer (LogMeisai).
+    bool logsDetail = false;
+    // In front of each reply in the trace.
+    QStringView replyTraceMark{};
 };
 
 // Runs until the session ends (Connected false).

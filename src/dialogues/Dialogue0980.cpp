@@ -50,6 +50,10 @@ QString Record(RecordKind kind, const QString& frameNo, const OrderAnswer& answe
 
 constexpr OrderPoller kPollers[] = {{&RunContext::OrderPath, 1000, &TakeOrders0980}};
 
+constexpr AstmAnswerShape kShape{.recordEnd = FrameEnd::Etb,
+                                 .lookupAt = LookupPoint::BeforePatient,
+                                 .retry = RetryRule::RepeatFrame};
+
 const AstmDialogue kDialogue0980{
     .folder = u"c980",
     .prefix = u"c980",
@@ -59,10 +63,7 @@ const AstmDialogue kDialogue0980{
     .checkReply = &CheckReply0980,
     .edit = &Edit0980,
     .lookup = &Lookup0980,
-    .record = &Record,
-    .answer = {.recordEnd = FrameEnd::Etb,
-               .lookupAt = LookupPoint::BeforePatient,
-               .retry = RetryRule::RepeatFrame},
+    .plan = kRecordPlan<kShape, &Record>,
 };
 
 }  // namespace

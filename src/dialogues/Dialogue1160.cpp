@@ -35,6 +35,9 @@ QString Record(RecordKind kind, const QString& frameNo, const OrderAnswer& answe
     return Record1160(Memory().queryKey, kind, frameNo, answer);
 }
 
+constexpr AstmAnswerShape kShape{
+    .recordEnd = FrameEnd::Etx, .lookupAt = LookupPoint::AfterHeader, .retry = RetryRule::AskAgain};
+
 const AstmDialogue kDialogue1160{
     .folder = u"c1160",
     .prefix = u"c1160",
@@ -45,10 +48,7 @@ const AstmDialogue kDialogue1160{
     .clearsEotBeforeEdit = true,
     .edit = &Edit1160,
     .lookup = &Lookup1160,
-    .record = &Record,
-    .answer = {.recordEnd = FrameEnd::Etx,
-               .lookupAt = LookupPoint::AfterHeader,
-               .retry = RetryRule::AskAgain},
+    .plan = kRecordPlan<kShape, &Record>,
 };
 
 }  // namespace

@@ -52,6 +52,10 @@ QString SexLetter(const QString& code) {
 
 constexpr OrderPoller kPollers[] = {{&RunContext::OrderPath, 100, &TakeOrders1190}};
 
+constexpr AstmAnswerShape kShape{.recordEnd = FrameEnd::Etx,
+                                 .lookupAt = LookupPoint::BeforePatient,
+                                 .retry = RetryRule::AskAgain};
+
 const AstmDialogue kDialogue1190{
     .folder = u"c1190",
     .prefix = u"c1190",
@@ -62,10 +66,7 @@ const AstmDialogue kDialogue1190{
     .ackEotPiece = true,
     .edit = &Edit1190,
     .lookup = &Lookup1190,
-    .record = &Record,
-    .answer = {.recordEnd = FrameEnd::Etx,
-               .lookupAt = LookupPoint::BeforePatient,
-               .retry = RetryRule::AskAgain},
+    .plan = kRecordPlan<kShape, &Record>,
 };
 
 }  // namespace

@@ -13,8 +13,8 @@
 
 namespace orbline {
 
-// A record as a frame of the host. Header, patient and terminator go out in the hexadecimal
-// mode whatever the operator chose in the send mode list.
+// A record as a frame of the host, which also goes to the trace. Header, patient and terminator
+// go out in the hexadecimal mode whatever the operator chose in the send mode list.
 struct SendRecord {
     QString text;  // with its frame number in front and "@" for each CR
     FrameEnd end = FrameEnd::Etx;
@@ -41,7 +41,21 @@ struct RunLookup {
     bool operator==(const RunLookup&) const = default;
 };
 
-using PlanAction = std::variant<SendRecord, SendControl, LogPair, RunLookup>;
+// A text for the trace of the transmission besides the frames.
+struct TraceText {
+    QString text;
+    bool operator==(const TraceText&) const = default;
+};
+
+// A numbered detail line of the main log, written only when LogMeisai is "1": the text, the
+// time, ":" and the value.
+struct DetailLine {
+    QString text;
+    QString value;
+    bool operator==(const DetailLine&) const = default;
+};
+
+using PlanAction = std::variant<SendRecord, SendControl, LogPair, RunLookup, TraceText, DetailLine>;
 using PlanActions = std::vector<PlanAction>;
 
 }  // namespace orbline
