@@ -50,11 +50,7 @@ struct Plan {
     }
     // EOT gives the line back; the next ENQ of the instrument starts a new reception.
     void End(bool completed) {
-        actions.emplace_back(SendControl{Control::Eot});
-        s.answering = false;
-        s.stage = SendStage::Nothing;
-        s.refusals = 0;
-        s.frameNo = 0;
+        actions.emplace_back(EndAnswer(s));
         if (completed)
             actions.emplace_back(LogPair{u"問合情報送信完了(Edit/ETB) -- "_s,
                                          u"問合情報送信完了(Edit/ETB) -- "_s, LogForm::Full});
@@ -108,8 +104,7 @@ struct Plan {
     }
 
     void Refused() {
-        CountUp(s.refusals);
-        if (s.refusals >= kMaxRefusals) {
+        if (!ShouldAskAgain(s)) {
             End(false);
             return;
         }
@@ -125,6 +120,19 @@ struct Plan {
 };
 
 }  // namespace
+
+PlanAction EndAnswer(AstmAnswerState& state) {
+    state.answering = false;
+    state.stage = SendStage::Nothing;
+    state.refusals = 0;
+    state.frameNo = 0;
+    return SendControl{Control::Eot};
+}
+
+bool ShouldAskAgain(AstmAnswerState& state) {
+    CountUp(state.refusals);
+    return state.refusals < kMaxRefusals;
+}
 
 PlanActions BeginAnswer(AstmAnswerState& state) {
     state.answering = true;

@@ -57,7 +57,8 @@ struct AstmAnswerState {
     SendStage stage = SendStage::Nothing;
     std::int16_t frameNo = 0;
     std::int16_t refusals = 0;  // replies other than ACK in this phase, ACKs between or not
-    QString longRecord;         // the whole text of a record that takes two frames
+    QString longRecord;         // the whole text of an order record that takes two frames
+    QString replyText;          // what went out last where a plan sends a text of its own
     OrderAnswer answer;
     AfterLookup afterLookup = AfterLookup::Nothing;
     // The record sent last where it is not the send stage (1730): kept from a stop to a start.
@@ -73,6 +74,11 @@ struct AnswerPlan {
 
 // The refusals an order phase takes before it gives the line back.
 inline constexpr std::int16_t kMaxRefusals = 3;
+
+// EOT gives the line back; the next ENQ of the instrument starts a new reception.
+PlanAction EndAnswer(AstmAnswerState& state);
+// Counts a reply other than ACK; false when it is the last the phase takes.
+bool ShouldAskAgain(AstmAnswerState& state);
 
 // The host takes the line: ENQ and the order request log pair.
 PlanActions BeginAnswer(AstmAnswerState& state);

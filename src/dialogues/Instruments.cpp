@@ -3,6 +3,8 @@
 #include "dialogues/Dialogue0980.h"
 #include "dialogues/Dialogue1160.h"
 #include "dialogues/Dialogue1190.h"
+#include "dialogues/Dialogue1660.h"
+#include "dialogues/Dialogue1730.h"
 #include "dialogues/Dialogue2620.h"
 #include "tables/MdlOption.h"
 
@@ -21,8 +23,11 @@ constexpr std::array<Instrument, 12> kInstruments{{
     {.code = u"1190", .kind = u"haematology analyser", .dialogue = &BeginCommLoop1190},
     {.code = u"1650", .kind = u"coagulation analyser"},
     {.code = u"1671", .kind = u"tympanometer"},
-    {.code = u"1660", .kind = u"cobas analyser"},
-    {.code = u"1730", .kind = u"immunoassay analyser", .loadAtLaunch = &LoadData1730},
+    {.code = u"1660", .kind = u"cobas analyser", .dialogue = &BeginCommLoop1660},
+    {.code = u"1730",
+     .kind = u"immunoassay analyser",
+     .dialogue = &BeginCommLoop1730,
+     .loadAtLaunch = &LoadData1730},
     {.code = u"2140", .kind = u"chemistry analyser", .loadAtStart = &LoadOption2140},
     {.code = u"2620",
      .kind = u"tonometer",

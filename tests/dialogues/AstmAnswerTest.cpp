@@ -1,6 +1,7 @@
 // The answer plan of the frame dialogues, reply by reply from the instrument's bytes.
 
 #include "dialogues/AstmAnswer.h"
+#include "dialogues/CobasAnswer.h"
 
 #include <gtest/gtest.h>
 
@@ -137,4 +138,20 @@ TEST(AstmAnswer, ALongOrderRecordIsCutByTheRuleOfItsInstrument) {
     EXPECT_TRUE(NeedsTwoFrames(order.left(240), kFixedLongRecord));
     EXPECT_EQ(FirstPartOf(order, kFixedLongRecord), order.left(237));
     EXPECT_EQ(SecondPartOf(order, kFixedLongRecord, 9), u"2"_s + order.mid(237, 240));
+}
+
+// 1730 keeps its record stage from a stop to a start, while the send stage starts again: an
+// ACK after a restart that broke off the phase behind its terminator ends it as if the
+// terminator had been taken.
+TEST(AstmAnswer, A1730PhaseBrokenOffBehindItsTerminatorEndsAtTheNextAck) {
+    AstmAnswerState state;
+    state.answering = true;
+    state.replyText = u"4L|1|F@"_s;
+    state.recordStage = SendStage::Terminator;
+    const QString sent = u"問合情報送信完了(Edit/ETX) -- "_s;
+    EXPECT_EQ(AnswerReply1730(Records(), state, CheckReply1660(kAck, state.stage)),
+              (PlanActions{SendControl{Control::Eot}, LogPair{sent, sent, LogForm::Full},
+                           TraceText{u"[Send]    4L|1|F@"_s}}));
+    EXPECT_FALSE(state.answering);
+    EXPECT_EQ(state.recordStage, SendStage::Nothing);
 }
