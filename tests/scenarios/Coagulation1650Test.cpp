@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 
 #include <algorithm>
@@ -109,19 +108,9 @@ TEST(Coagulation1650, EachMessageGetsItsOneAnswer) {
 TEST(Coagulation1650, AnOrderFileDroppedWhileTheDialogueRunsIsTaken) {
     LinkProcess link;
     link.timeScale = u"0.1"_s;
-    QDir(link.native()).mkpath(u"orders"_s);
     CreateOrderStore(link);
-    Started(link, u"OrderPT=4\r\nOrderPath="_s + link.native(u"orders"_s).replace(u'/', u'\\') +
-                      u"\r\n"_s);
-    QStringList fields{u"20250416"_s, u"2"_s, u"0930"_s, u"K0005"_s, u"1650"_s};
-    while (fields.size() < 40) fields.append(QString());
-    fields << u"PT"_s << u"APTT"_s;
-    // Dropped whole, as the laboratory system does: written aside, then renamed.
-    QFile file(link.native(u"orders/1650_0416.tmp"_s));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(fields.join(u',').toLatin1() + "\r\n");
-    file.close();
-    ASSERT_TRUE(file.rename(link.native(u"orders/1650_0416.csv"_s)));
+    Started(link, OrderFolderKeys(link));
+    DropOrderFile(link, u"1650_0416.csv"_s, u"K0005"_s, u"1650"_s, {u"PT"_s, u"APTT"_s});
 
     ASSERT_TRUE(link.waitForLog(u"オーダデータ取得完了(Edit)"_s, 20000));
     EXPECT_FALSE(QFile::exists(link.native(u"orders/1650_0416.csv"_s)));
