@@ -1,5 +1,6 @@
 #include "edits/EditSettings.h"
 
+#include "common/Numbers.h"
 #include "common/RunContext.h"
 
 using namespace Qt::StringLiterals;
@@ -9,6 +10,12 @@ namespace orbline {
 QString ApplyIdEntryRule(const QString& sampleId, const SampleRule& rule) {
     if (rule.idEntry == u"2"_s || !rule.fixedSampleId.isEmpty()) return rule.fixedSampleId;
     return sampleId;
+}
+
+QString SampleNumberAsRead(const QString& taken) {
+    if (taken.isEmpty()) return u"0"_s;
+    if (IsNumeric(taken)) return PlainDecimalText(taken);
+    return taken;
 }
 
 EditSettings EditSettingsFromContext() {

@@ -16,6 +16,10 @@ struct SampleRule {
 // given wins; otherwise the number read stays.
 QString ApplyIdEntryRule(const QString& sampleId, const SampleRule& rule);
 
+// A sample number as a message gives it: "0" when empty; a numeric one loses its leading zeros
+// as text, so that a long barcode stays exact; anything else stays as taken.
+QString SampleNumberAsRead(const QString& taken);
+
 struct EditSettings {
     QString instrumentCode;
     QString instrumentName;

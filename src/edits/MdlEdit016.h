@@ -13,7 +13,25 @@
 
 namespace orbline {
 
-// 1650.
+// 1650. What one message becomes: the lines of its result file and what the log lines read.
+struct Edit1650 {
+    QString lines;                    // CR LF lines: result records, or one error line
+    std::optional<QString> sampleId;  // a result message's sample number
+    bool recordBuilt = false;         // the run mark of the log lines follows the records
+    bool operator==(const Edit1650&) const = default;
+};
+
+// At most this many result slots are read; the rest of a longer message is lost.
+inline constexpr int kMaxSlots1650 = 23;
+
+// The message from STX to ETX: a "D" message gives a record for each nine-character slot from
+// position 54 (one whose end lies up to two past the text is still read); an empty message or
+// one of another kind gives its error line.
+Edit1650 ResultLines1650(const QString& message, const EditSettings& settings);
+
+// Writes and delivers the result file of one message. Leaves SampleId and RunMark in
+// RunContext for the log lines. A run-time error ends the process through the error exit.
+void EditResult1650(const QString& message);
 
 // 1660 and 1730.
 

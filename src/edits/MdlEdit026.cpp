@@ -51,14 +51,6 @@ void AppendRow(ScanState2620& state, int item, const QString& value) {
                           it.name.toString(), value, state.unit, u"000000"_s});
 }
 
-// The number as printed: numeric ones lose their leading zeros as text, so that a long
-// barcode stays exact; anything else stays as taken.
-QString SampleNumberAsRead(const QString& taken) {
-    if (taken.isEmpty()) return u"0"_s;
-    if (IsNumeric(taken)) return PlainDecimalText(taken);
-    return taken;
-}
-
 void ScanFtLine(const QString& line, const ScanInputs2620& inputs, ScanState2620& state) {
     if (const qsizetype maker = InStr(line, u"TOMEY"_s); maker > 0) {
         const qsizetype p = maker + 12;

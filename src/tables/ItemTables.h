@@ -26,4 +26,16 @@ struct MeasuredItem1190 {
 // The 24 measured items, positions 1 to 24.
 std::span<const MeasuredItem1190> MeasuredItems1190();
 
+// A result item of the coagulation analyser 1650. The instrument sends its own three-digit code
+// and the value without a decimal point: the item's decimals say where the point goes.
+struct ResultItem1650 {
+    QStringView resultCode;
+    QStringView name;
+    QStringView code;
+    QStringView unit;
+    int decimals;
+};
+// The 23 result items. They are not the codes an order asks for (040, 050, ...).
+std::span<const ResultItem1650> ResultItems1650();
+
 }  // namespace orbline

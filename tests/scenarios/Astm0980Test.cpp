@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
@@ -176,19 +175,9 @@ TEST(Astm0980, ALongOrderRecordGoesInTwoFramesAndARefusedFirstPartWaits) {
 TEST(Astm0980, AnOrderFileDroppedWhileTheDialogueRunsIsTaken) {
     LinkProcess link;
     link.timeScale = u"0.1"_s;
-    QDir(link.native()).mkpath(u"orders"_s);
     StoreOrder(link, {u"ORDERCD"_s, u"unrelated"_s});
-    Started(link, u"OrderPT=4\r\nOrderPath="_s + link.native(u"orders"_s).replace(u'/', u'\\') +
-                      u"\r\n"_s);
-    QStringList fields{u"20250416"_s, u"2"_s, u"0930"_s, u"K0005"_s, u"0980"_s};
-    while (fields.size() < 40) fields.append(QString());
-    fields.append(u"HbA1c"_s);
-    // Dropped whole, as the laboratory system does: written aside, then renamed.
-    QFile file(link.native(u"orders/0980_0416.tmp"_s));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(fields.join(u',').toLatin1() + "\r\n");
-    file.close();
-    ASSERT_TRUE(file.rename(link.native(u"orders/0980_0416.csv"_s)));
+    Started(link, OrderFolderKeys(link));
+    DropOrderFile(link, u"0980_0416.csv"_s, u"K0005"_s, u"0980"_s, {u"HbA1c"_s});
 
     ASSERT_TRUE(link.waitForLog(u"オーダデータ取得完了(Edit)"_s, 20000));
     EXPECT_FALSE(QFile::exists(link.native(u"orders/0980_0416.csv"_s)));

@@ -24,6 +24,7 @@ TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
         {u"glycohaemoglobin-0980.sim"_s, u"0980"_s, u"HLC"_s, 1},
         {u"aia-1160.sim"_s, u"1160"_s, u"AIA"_s, 1},
         {u"haematology-1190.sim"_s, u"1190"_s, u"XN-550"_s, 21},
+        {u"coagulation-1650.sim"_s, u"1650"_s, u"CA-50"_s, 2},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script.toStdString());

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -94,6 +95,23 @@ void StoreOrder(LinkProcess& link, const QStringList& columnsAndValues) {
         for (const QVariant& v : values) q.addBindValue(v);
         EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
     });
+}
+
+QString OrderFolderKeys(LinkProcess& link) {
+    QDir(link.native()).mkpath(u"orders"_s);
+    return u"OrderPT=4\r\nOrderPath="_s + link.native(u"orders"_s).replace(u'/', u'\\') + u"\r\n"_s;
+}
+
+void DropOrderFile(LinkProcess& link, const QString& name, const QString& key, const QString& code,
+                   const QStringList& tests) {
+    QStringList fields{u"20250416"_s, u"2"_s, u"0930"_s, key, code};
+    while (fields.size() < 40) fields.append(QString());
+    fields.append(tests);
+    QFile file(link.native(u"orders/"_s + name + u".tmp"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(fields.join(u',').toLatin1() + "\r\n");
+    file.close();
+    ASSERT_TRUE(file.rename(link.native(u"orders/"_s + name)));
 }
 
 int OrderRowsFor(LinkProcess& link, const QString& key) {

@@ -34,6 +34,12 @@ std::string Drained(LinkProcess& link, std::chrono::milliseconds within);
 void CreateOrderStore(LinkProcess& link);
 // The store, made when missing, with one row of today: columns and values in pairs.
 void StoreOrder(LinkProcess& link, const QStringList& columnsAndValues);
+// Settings keys that make the dialogue look into the site's folder "orders" (made here).
+QString OrderFolderKeys(LinkProcess& link);
+// An order file of one line of today for the key, the instrument and the tests, dropped into
+// "orders" whole, as the laboratory system does: written aside, then renamed to `name`.
+void DropOrderFile(LinkProcess& link, const QString& name, const QString& key, const QString& code,
+                   const QStringList& tests);
 // Rows of T_ORDER for a key, or -1 when the store cannot be read.
 int OrderRowsFor(LinkProcess& link, const QString& key);
 
