@@ -43,4 +43,22 @@ bool PassOver(Step&& step) {
     }
 }
 
+// How a procedure meets a run-time error in one of its steps.
+enum class OnError {
+    ErrorExit,  // the error reaches the procedure's edge, which ends the process
+    PassOver,   // the step has no effect and the next one runs
+};
+
+template <typename Step>
+void RunStep(OnError rule, Step&& step) {
+    switch (rule) {
+        case OnError::ErrorExit:
+            std::forward<Step>(step)();
+            return;
+        case OnError::PassOver:
+            PassOver(std::forward<Step>(step));
+            return;
+    }
+}
+
 }  // namespace orbline

@@ -6,10 +6,12 @@
 #include "edits/EditSettings.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace orbline {
 
@@ -43,10 +45,64 @@ struct CobasQuery {
     bool operator==(const CobasQuery&) const = default;
 };
 
-// Reads pieces 1 .. pieceCount - 1 of AppPath\c1660 (c1730) and, for a message that is no
-// query, writes and delivers its result file. Gives the query when the message asks for
-// orders. 1660 ends the process through the error exit on a run-time error; 1730 passes its
-// errors over.
+// One R record, as its result line takes it.
+struct CobasRow {
+    QString code{};
+    QString value{};
+    QString unit{};
+    QString judge{};  // "H", "L" or ""
+    QString alarm{};
+    QString sampleId{};   // of the O record before it
+    QString kensaDate{};  // YYYYMMDD
+    QString kensaTime{};  // HHMMSS
+    QString judge1{};     // 1730: the two parts of field 5
+    QString judge2{};
+    bool operator==(const CobasRow&) const = default;
+};
+
+// The result table holds rows 1 to 100.
+inline constexpr std::size_t kMaxRowsCobas = 100;
+
+struct CobasMessage {
+    std::vector<CobasRow> rows;
+    // What the last O record set (and, in 1730, the date of an R record); every later row takes
+    // it, and SampleSeq goes on every line.
+    QString sampleId = QStringLiteral("0");
+    QString sampleSeq = QStringLiteral("000000");
+    QString kensaDate;
+    QString kensaTime;
+    // Present when the last Q or R record of the message is a Q record.
+    std::optional<CobasQuery> query;
+};
+
+// The message in the texts of its pieces, each as the edit keeps it (see the EditResult steps):
+// joined, CR LF taken out, cut into records at every CR and every STX. A record that a frame
+// boundary cut stays cut: each part is read as a record of its own. 1660 throws RuntimeError
+// where a Q or O record lacks a field or a "^" part it reads, and at a 101st R record.
+CobasMessage ParseMessage1660(const QStringList& pieceTexts, const SampleRule& rule);
+// 1730 passes over what it can't read, and the R records past the 100th.
+CobasMessage ParseMessage1730(const QStringList& pieceTexts);
+
+// An entry of an item table, searched by code for the name; the first match wins.
+struct CobasItem {
+    QString code;
+    QString name;
+};
+// 1660: the 206 rows of the order table, row 197 (TG) with the code 130.
+const std::vector<CobasItem>& ItemTable1660();
+// 1730: ItemCodes and ItemNames of RunContext, entries 1 to ItemCount.
+std::vector<CobasItem> ItemTable1730();
+
+// The CR LF lines of the result file. RunMark stays "0": these edits don't take RunMarkDefault.
+// 1660 throws RuntimeError on a value it can't format; 1730 writes such a value as it came.
+QString ResultLines1660(const CobasMessage& message, const EditSettings& settings);
+QString ResultLines1730(const CobasMessage& message, const EditSettings& settings,
+                        const std::vector<CobasItem>& items);
+
+// Reads pieces 1 .. pieceCount - 1 of AppPath\c<InstrumentCode> and, for a message that is no
+// query, writes and delivers its result file. Gives the query when the message asks for orders.
+// Leaves SampleId and RunMark in RunContext for the log lines. 1660 ends the process through
+// the error exit on a run-time error; 1730 passes its errors over.
 std::optional<CobasQuery> EditResult1660(std::int16_t pieceCount);
 std::optional<CobasQuery> EditResult1730(std::int16_t pieceCount);
 

@@ -38,4 +38,14 @@ struct ResultItem1650 {
 // The 23 result items. They are not the codes an order asks for (040, 050, ...).
 std::span<const ResultItem1650> ResultItems1650();
 
+// An item of the cobas analysers 1660 and 1730, as their order files name it and as the 1660
+// results are named.
+struct Item1660 {
+    QStringView name;
+    QStringView code;
+};
+// The 206 items, row 1 first. FERR stands twice (rows 34 and 188) and TG (row 197) shares 4282
+// with TG-J: a search by name or by code finds the first.
+std::span<const Item1660> Items1660();
+
 }  // namespace orbline
