@@ -90,11 +90,17 @@ TEST(Cobas1660, TheCobasCapturesAreDeliveredWithEachFrameJoinedOverItsReads) {
         QStringList items;
     };
     const QString panic = u"パニック値以下かテクニカルレンジ以下"_s;
+    const QString alarm = u"異常（データアラーム 23・26・27 以外）"_s;
     const Case cases[] = {
         {"cobas-e411-result-three-frames.bin",
          u"20190110,163045,0,2327,1660,COBAS,000159,"_s,
-         {u"8,8,1.95,,"_s, u"7,7,,,"_s, u"6,6,132.1,,"_s, u"5,5,-1^0.282,,"_s, u"4,4,-1^0.707,,"_s,
-          u"3,3,＜3.00,L,"_s + panic, u"1,1,,,"_s}},
+         {u"8,8,1.95,,"_s, u"7,T3,,,"_s, u"6,6,132.1,,"_s, u"5,5,-1^0.282,,"_s,
+          u"4,FT4,-1^0.707,,"_s, u"3,3,＜3.00,L,"_s + panic, u"1,TSH,,,"_s}},
+        // One frame of 619 characters, flags A and L.
+        {"cobas-c311-result-long-frame.bin",
+         u"20240203,132011,0,11625CL-PL-24-0370         1004,1660,COBAS,R1,"_s,
+         {u"685,685,22.4,,"_s + alarm, u"687,687,15.0,,"_s, u"712,712,4.1,L,"_s, u"158,158,301,,"_s,
+          u"735,735,1.6,,"_s, u"717,717,5.85,,"_s, u"690,690,34,,"_s + alarm}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.capture);
@@ -181,7 +187,7 @@ TEST(Cobas1660, AQueryIsAnsweredWithOneMessageInOneFrameOrTwo) {
         const QString reply = u"詳細ログ(003)"_s;
         QStringList expected;
         if (twoFrames) {
-            for (int i = 0; i < 5; ++i) expected += piece;
+            for (int i = 0; i < 3; ++i) expected += piece;  // ENQ, the one frame, EOT
             expected +=
                 {reply, u"詳細ログ(004)"_s, u"詳細ログ"_s, reply, u"詳細ログ(006)"_s, reply};
         }

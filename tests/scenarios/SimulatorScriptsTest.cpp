@@ -25,6 +25,8 @@ TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
         {u"aia-1160.sim"_s, u"1160"_s, u"AIA"_s, 1},
         {u"haematology-1190.sim"_s, u"1190"_s, u"XN-550"_s, 21},
         {u"coagulation-1650.sim"_s, u"1650"_s, u"CA-50"_s, 2},
+        {u"cobas-1660.sim"_s, u"1660"_s, u"COBAS"_s, 7},
+        {u"immunoassay-1730.sim"_s, u"1730"_s, u"E411"_s, 7},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script.toStdString());
