@@ -1,5 +1,5 @@
-// Result edits 1660 and 1730: the parses and the result lines from literal texts, and real
-// cobas captures through the whole edit, saved as each dialogue saves its pieces.
+// Result edits 1660 and 1730: the parses and the result lines from literal texts. The real
+// cobas captures go through the whole edits in the dialogues' scenarios.
 
 #include "common/AnsiCodec.h"
 #include "common/RunContext.h"
@@ -28,19 +28,6 @@ QString R(const QString& tail) {
     return u"R|1|^^^4207/1|5|U/l|"_s + tail;
 }
 
-// A transmission as the 1660 dialogue saves it: the ENQ, then each frame up to its CR LF, each
-// piece with the CR LF of its file; the EOT piece is left out. Gives the piece count.
-std::int16_t SaveFrames(const TestSite& site, const QString& code, const char* capture) {
-    const QByteArray bytes = test::ReadFixture(u"captures/"_s + QString::fromLatin1(capture));
-    QList<QByteArray> pieces{bytes.left(1)};
-    for (qsizetype at = 1; bytes.at(at) == '\x02'; at += pieces.back().size())
-        pieces << bytes.mid(at, bytes.indexOf("\r\n", at) + 2 - at);
-    for (qsizetype i = 0; i < pieces.size(); ++i)
-        site.writeFile(u"c%1/c%1_%2.txt"_s.arg(code).arg(i + 1, 4, 10, QChar(u'0')),
-                       pieces[i] + "\r\n");
-    return static_cast<std::int16_t>(pieces.size() + 1);
-}
-
 void SetUpSite(const TestSite& site, const QString& code) {
     RunContext& c = Ctx();
     c.InstrumentCode = code;
@@ -48,13 +35,6 @@ void SetUpSite(const TestSite& site, const QString& code) {
     c.RunMarkDefault = u"1"_s;
     c.JyusinWKPath = site.path(u"wk"_s);
     c.JyusinDataPath = site.path(u"data"_s);
-}
-
-// The lines of the one delivered file.
-QStringList Delivered(const TestSite& site) {
-    const QStringList files = QDir(site.native(u"data"_s)).entryList(QDir::Files);
-    if (files.size() != 1) return {u"files: %1"_s.arg(files.size())};
-    return DecodeAnsi(site.readFile(u"data/"_s + files[0])).split(u"\r\n"_s, Qt::SkipEmptyParts);
 }
 
 }  // namespace
@@ -152,53 +132,6 @@ TEST(ResultLinesCobas, NamesAndValues) {
     EXPECT_EQ(names1660, (QStringList{u"FERR=5"_s, u"TG-J・協和JSCC値=12.30"_s, u"FERR=＜0.10"_s,
                                       u"TG=＞5"_s, u"113=-1.5"_s, u"9999=1^2"_s}));
     EXPECT_EQ(names1730.at(4), u"AMH"_s);
-}
-
-// The e411 batch in three frames: the nine characters cut from each frame take the end of a
-// record that ETB cut, and the part in the next frame is no record of a known kind.
-TEST(Edit1660, CaptureInThreeFrames) {
-    TestSite site;
-    SetUpSite(site, u"1660"_s);
-    EXPECT_FALSE(EditResult1660(SaveFrames(site, u"1660"_s, "cobas-e411-result-three-frames.bin")));
-    const QString head = u"20190110,163045,0,2327,1660,COBAS,000159,"_s;
-    EXPECT_EQ(Delivered(site),
-              (QStringList{
-                  head + u"8,8,,,,,1.95,uIU/ml,MIN,,,"_s, head + u"7,T3,,,,,,,MIN,,,"_s,
-                  head + u"6,6,,,,,132.1,ng/dl,MIN,,,"_s, head + u"5,5,,,,,-1^0.282,COI,MIN,,,"_s,
-                  head + u"4,FT4,,,,,-1^0.707,COI,MIN,,,"_s,
-                  head + u"3,3,L,,,,＜3.00,ng/ml,MIN,,,パニック値以下かテクニカルレンジ以下"_s,
-                  head + u"1,TSH,,,,,,,MIN,,,"_s}));
-    EXPECT_TRUE(DecodeAnsi(site.readFile(u"Tesvane1660.log"_s))
-                    .contains(u"出力完了(Write) -- 1660-2327-0:"_s));
-
-    EXPECT_EQ(EditResult1660(SaveFrames(site, u"1660"_s, "cobas-e411-query.bin")),
-              (CobasQuery{u"0000000387"_s, {u"587"_s, u"0"_s, u"2"_s, u"S1"_s, u"SC"_s}}));
-    EXPECT_EQ(Delivered(site).size(), 7);
-
-    // The cut of nine also takes "1^" of the cobas 6000's first result, which ETB cut after "-1^".
-    const TestSite site6000;
-    SetUpSite(site6000, u"1660"_s);
-    EditResult1660(SaveFrames(site6000, u"1660"_s, "cobas6000-batch-result.bin"));
-    EXPECT_EQ(Delivered(site6000).at(0).section(u',', 3, 14),
-              u"S3854156A,1660,COBAS,000000,286,A-HCV Ⅱ,,,,,-,"_s);
-}
-
-// The cobas 6000 batch read by 1730, a frame a read: each piece loses its first and last
-// character only, so the ETB and checksum stay on a cut record; the dates of the R records hold
-// for the records after them.
-TEST(Edit1730, CaptureReadAFrameARead) {
-    TestSite site;
-    SetUpSite(site, u"1730"_s);
-    EXPECT_FALSE(EditResult1730(SaveFrames(site, u"1730"_s, "cobas6000-batch-result.bin")));
-    QStringList got;
-    for (const QString& line : Delivered(site))
-        got << line.section(u',', 0, 1) + u"|"_s + line.section(u',', 3, 3) + u"|"_s +
-                   line.section(u',', 7, 8) + u"|"_s + line.section(u',', 13, 13);
-    EXPECT_EQ(got, (QStringList{u",|S3854156A|286//not,286//not|-1^\x17"_s
-                                u"38"_s,
-                                u"20230521,115659|S3854156A|111//not,111//not|-1^0.188"_s,
-                                u"20230521,115535|S3854156A|515//not,515//not|-1^0.493"_s,
-                                u"20230521,115535|S3854156A|149//not,149//not|-1^0.054"_s}));
 }
 
 // A piece too short for the cut of nine is a run-time error: the process ends, nothing delivered.

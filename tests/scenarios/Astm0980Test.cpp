@@ -177,7 +177,7 @@ TEST(Astm0980, AnOrderFileDroppedWhileTheDialogueRunsIsTaken) {
     link.timeScale = u"0.1"_s;
     StoreOrder(link, {u"ORDERCD"_s, u"unrelated"_s});
     Started(link, OrderFolderKeys(link));
-    DropOrderFile(link, u"0980_0416.csv"_s, u"K0005"_s, u"0980"_s, {u"HbA1c"_s});
+    DropOrderFile(link, u"orders/0980_0416.csv"_s, u"K0005"_s, u"0980"_s, {u"HbA1c"_s});
 
     ASSERT_TRUE(link.waitForLog(u"オーダデータ取得完了(Edit)"_s, 20000));
     EXPECT_FALSE(QFile::exists(link.native(u"orders/0980_0416.csv"_s)));

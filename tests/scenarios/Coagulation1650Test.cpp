@@ -60,7 +60,7 @@ TEST(Coagulation1650, ASessionOfQueriesAResultAndAnOrderFile) {
     const QStringList log = link.logMessages();
     EXPECT_EQ(log.filter(u"問合情報受信完了(Edit) -- 1650-"_s).size(), 3);
     EXPECT_EQ(log.filter(u"測定結果受信完了(Edit) -- 1650-"_s).size(), 1);
-    DropOrderFile(link, u"1650_0416.csv"_s, u"K0005"_s, u"1650"_s, {u"PT"_s, u"APTT"_s});
+    DropOrderFile(link, u"orders/1650_0416.csv"_s, u"K0005"_s, u"1650"_s, {u"PT"_s, u"APTT"_s});
     ASSERT_TRUE(link.waitForLog(u"オーダデータ取得完了(Edit)"_s, 20000));
     Exchange(link, Message("R", "K0005"), Reply("R01203K0005          ", tests));
     link.requestClose();

@@ -8,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
 #include <QThread>
 
 using namespace Qt::StringLiterals;
@@ -200,25 +198,10 @@ TEST(Cobas1660, AQueryIsAnsweredWithOneMessageInOneFrameOrTwo) {
 TEST(Cobas1660, OrderFilesOfBothFoldersAreTakenWhileTheDialogueRuns) {
     LinkProcess link;
     link.timeScale = u"0.1"_s;
-    QDir(link.native()).mkpath(u"orders"_s);
-    QDir(link.native()).mkpath(u"orders2"_s);
     CreateOrderStore(link);
-    const auto folder = [&](const QString& name) { return link.native(name).replace(u'/', u'\\'); };
-    StartInstrument(link, u"1660"_s, u"COBAS"_s,
-                    u"OrderPT=4\r\nOrderPath="_s + folder(u"orders"_s) + u"\r\nOrderPath2="_s +
-                        folder(u"orders2"_s) + u"\r\n"_s);
-    const auto drop = [&](const QString& path, const QString& key, const QString& test) {
-        QStringList fields{u"20250416"_s, u"2"_s, u"0930"_s, key, u"1660"_s};
-        while (fields.size() < 40) fields.append(QString());
-        fields.append(test);
-        QFile file(link.native(path + u".tmp"_s));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(fields.join(u',').toLatin1() + "\r\n");
-        file.close();
-        ASSERT_TRUE(file.rename(link.native(path + u".csv"_s)));
-    };
-    drop(u"orders/1660_a"_s, u"K1"_s, u"Na"_s);
-    drop(u"orders2/1660_b"_s, u"0000000387"_s, u"RWD3"_s);
+    StartInstrument(link, u"1660"_s, u"COBAS"_s, OrderFolderKeys(link));
+    DropOrderFile(link, u"orders/1660_a.csv"_s, u"K1"_s, u"1660"_s, {u"Na"_s});
+    DropOrderFile(link, u"orders2/1660_b.csv"_s, u"0000000387"_s, u"1660"_s, {u"RWD3"_s});
     for (int i = 0; i < 200 && OrderRowsFor(link, u"0000000387"_s) < 1; ++i) QThread::msleep(100);
     EXPECT_EQ(OrderRowsFor(link, u"K1"_s), 1);
     EXPECT_EQ(OrderRowsFor(link, u"0000000387"_s), 1);

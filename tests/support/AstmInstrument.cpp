@@ -98,8 +98,13 @@ void StoreOrder(LinkProcess& link, const QStringList& columnsAndValues) {
 }
 
 QString OrderFolderKeys(LinkProcess& link) {
-    QDir(link.native()).mkpath(u"orders"_s);
-    return u"OrderPT=4\r\nOrderPath="_s + link.native(u"orders"_s).replace(u'/', u'\\') + u"\r\n"_s;
+    QString keys = u"OrderPT=4\r\n"_s;
+    for (const QString& folder : {u"orders"_s, u"orders2"_s}) {
+        QDir(link.native()).mkpath(folder);
+        keys += (folder == u"orders"_s ? u"OrderPath="_s : u"OrderPath2="_s) +
+                link.native(folder).replace(u'/', u'\\') + u"\r\n"_s;
+    }
+    return keys;
 }
 
 void DropOrderFile(LinkProcess& link, const QString& name, const QString& key, const QString& code,
@@ -107,11 +112,11 @@ void DropOrderFile(LinkProcess& link, const QString& name, const QString& key, c
     QStringList fields{u"20250416"_s, u"2"_s, u"0930"_s, key, code};
     while (fields.size() < 40) fields.append(QString());
     fields.append(tests);
-    QFile file(link.native(u"orders/"_s + name + u".tmp"_s));
+    QFile file(link.native(name + u".tmp"_s));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(fields.join(u',').toLatin1() + "\r\n");
     file.close();
-    ASSERT_TRUE(file.rename(link.native(u"orders/"_s + name)));
+    ASSERT_TRUE(file.rename(link.native(name)));
 }
 
 int OrderRowsFor(LinkProcess& link, const QString& key) {

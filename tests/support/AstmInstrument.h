@@ -34,10 +34,12 @@ std::string Drained(LinkProcess& link, std::chrono::milliseconds within);
 void CreateOrderStore(LinkProcess& link);
 // The store, made when missing, with one row of today: columns and values in pairs.
 void StoreOrder(LinkProcess& link, const QStringList& columnsAndValues);
-// Settings keys that make the dialogue look into the site's folder "orders" (made here).
+// Settings keys that make the dialogue look into the site's folders "orders" (OrderPath) and
+// "orders2" (OrderPath2), made here.
 QString OrderFolderKeys(LinkProcess& link);
-// An order file of one line of today for the key, the instrument and the tests, dropped into
-// "orders" whole, as the laboratory system does: written aside, then renamed to `name`.
+// An order file of one line of today for the key, the instrument and the tests, dropped whole,
+// as the laboratory system does: written aside, then renamed to `name` ("orders/..." or
+// "orders2/...").
 void DropOrderFile(LinkProcess& link, const QString& name, const QString& key, const QString& code,
                    const QStringList& tests);
 // Rows of T_ORDER for a key, or -1 when the store cannot be read.
