@@ -15,23 +15,6 @@ namespace {
 
 const QString kStamp = u":2025-04-16 09:30:15"_s;
 
-std::string Capture(const char* name) {
-    const QByteArray bytes = ReadFixture(u"captures/"_s + QString::fromLatin1(name));
-    return sim::Visible(sim::Bytes(bytes.begin(), bytes.end()));
-}
-
-// Item code, name, value, unit and judge of each record.
-QStringList Items(const QStringList& records) {
-    QStringList items;
-    for (const QString& record : records) {
-        const QStringList f = record.split(u',');
-        items.append(
-            QStringList{f.value(7), f.value(8), f.value(13), f.value(14), f.value(9), f.value(18)}
-                .join(u','));
-    }
-    return items;
-}
-
 }  // namespace
 
 // Every frame of the capture is acknowledged, the EOT too. OutIP "0" keeps the measured items
@@ -76,7 +59,8 @@ TEST(Astm1190, TheXn550CaptureDeliversItsMeasuredItemsAndWithOutIpItsFlags) {
         EXPECT_EQ(link.finish(), 0);
 
         const QStringList records = DeliveredRecords(link);
-        EXPECT_EQ(Items(records), outIp == u"0"_s ? measured : measured + flags);
+        EXPECT_EQ(RecordFields(records, {7, 8, 13, 14, 9, 18}),
+                  outIp == u"0"_s ? measured : measured + flags);
         EXPECT_TRUE(records.value(0).startsWith(u"20240627,135407,,27,1190,XN-550,,"_s));
         EXPECT_TRUE(link.logMessages().contains(u"出力完了(Write) -- 1190-27-"_s + kStamp));
     }

@@ -17,11 +17,6 @@ namespace sim = orbline::sim;
 
 namespace {
 
-std::string Capture(const char* name) {
-    const QByteArray bytes = ReadFixture(u"captures/"_s + QString::fromLatin1(name));
-    return sim::Visible(sim::Bytes(bytes.begin(), bytes.end()));
-}
-
 // Each frame in three reads, 60 ms apart, each well past the host's 10 ms wait: the host
 // acknowledges a frame once, when its CR LF has come.
 void SendInThreeReads(LinkProcess& link, const std::string& transmission) {
@@ -39,17 +34,6 @@ void SendInThreeReads(LinkProcess& link, const std::string& transmission) {
         if (piece == Notation("<EOT>")) return;
         EXPECT_EQ(Received(link, 1), "<ACK>") << "after " << sim::Visible(piece);
     }
-}
-
-// Item code, item name, value, judge and comment of each record.
-QStringList Items(const QStringList& records) {
-    QStringList items;
-    for (const QString& record : records) {
-        const QStringList f = record.split(u',');
-        items.append(
-            QStringList{f.value(7), f.value(8), f.value(13), f.value(9), f.value(18)}.join(u','));
-    }
-    return items;
 }
 
 const std::string kHeader =
@@ -110,7 +94,7 @@ TEST(Cobas1660, TheCobasCapturesAreDeliveredWithEachFrameJoinedOverItsReads) {
         link.requestClose();
         EXPECT_EQ(link.finish(), 0);
         const QStringList records = DeliveredRecords(link);
-        EXPECT_EQ(Items(records), c.items);
+        EXPECT_EQ(RecordFields(records, {7, 8, 13, 9, 18}), c.items);
         for (const QString& record : records)
             EXPECT_TRUE(record.startsWith(c.head)) << record.toStdString();
     }

@@ -13,11 +13,6 @@ namespace sim = orbline::sim;
 
 namespace {
 
-std::string Capture(const char* name) {
-    const QByteArray bytes = ReadFixture(u"captures/"_s + QString::fromLatin1(name));
-    return sim::Visible(sim::Bytes(bytes.begin(), bytes.end()));
-}
-
 // A query for the patient K0001; the place fields come back in the order record.
 const std::string kQuery = "<ENQ>" + Frame("1H|\\^&|||cobas-e411^1|||||host|TSREQ^REAL|P|1<CR>") +
                            Frame("2Q|1|^K0001^A^B^C^^E^F||ALL||||||||A<CR>") + Frame("3L|1|N<CR>") +

@@ -136,4 +136,20 @@ QStringList DeliveredRecords(const LinkProcess& link) {
     return link.readDelivery(files.first()).split(u"\r\n"_s, Qt::SkipEmptyParts);
 }
 
+QStringList RecordFields(const QStringList& records, std::initializer_list<int> fields) {
+    QStringList picked;
+    for (const QString& record : records) {
+        const QStringList f = record.split(u',');
+        QStringList row;
+        for (const int i : fields) row.append(f.value(i));
+        picked.append(row.join(u','));
+    }
+    return picked;
+}
+
+std::string Capture(const char* name) {
+    const QByteArray bytes = ReadFixture(u"captures/"_s + QString::fromLatin1(name));
+    return sim::Visible(sim::Bytes(bytes.begin(), bytes.end()));
+}
+
 }  // namespace orbline::test

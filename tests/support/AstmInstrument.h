@@ -47,5 +47,10 @@ int OrderRowsFor(LinkProcess& link, const QString& key);
 
 // The records of the one delivered file.
 QStringList DeliveredRecords(const LinkProcess& link);
+// The given fields of each record, joined by ",".
+QStringList RecordFields(const QStringList& records, std::initializer_list<int> fields);
+
+// A capture of tests/fixtures/captures in the notation.
+std::string Capture(const char* name);
 
 }  // namespace orbline::test
