@@ -51,21 +51,16 @@ TEST(Settings, AnEmptySectionGivesTheDefaults) {
     site.writeFile(u"KV_Orbline.ini"_s, "[User]\r\n[TNMC]\r\n");
     ReadSettings(AwIni());
     const RunContext& c = Ctx();
-    EXPECT_EQ(c.PortNo, 0);
-    EXPECT_EQ(c.StopBitsNo, 0.0f);
-    EXPECT_EQ(c.Tusin, u"1"_s);
-    EXPECT_EQ(c.HbA1c, u"0"_s);
-    EXPECT_EQ(c.LogMeisai, u"0"_s);
-    EXPECT_EQ(c.OrderPT, u"0"_s);
-    EXPECT_EQ(c.OutIP, u"0"_s);
-    EXPECT_EQ(c.FT01Format, u"0"_s);  // 2620
-    EXPECT_EQ(c.Log, QString());
-    EXPECT_EQ(FormCaption(), u"(2620) "_s);
+    EXPECT_EQ(
+        (QStringList{QString::number(c.PortNo), QString::number(c.StopBitsNo), c.Tusin, c.HbA1c,
+                     c.LogMeisai, c.OrderPT, c.OutIP, c.FT01Format, c.Log, FormCaption()}),
+        (QStringList{u"0"_s, u"0"_s, u"1"_s, u"0"_s, u"0"_s, u"0"_s, u"0"_s, u"0"_s, QString(),
+                     u"(2620) "_s}));
 }
 
-// The keys the scenario tests do not write (they write the line settings, Name, Device, the
-// work and data folders, OrderPT, OrderPath, OutIP and FT01Format and read them back through
-// the log and the delivered files).
+// The keys the scenario tests do not write (they write the line settings, Name,
+// Device, the work and data folders, OrderPT, OrderPath, OutIP and FT01Format
+// and read them back through the log and the delivered files).
 TEST(Settings, EveryKeyIsReadIntoItsField) {
     TestSite site;
     Ctx().IniPrefix = u"AB"_s;
@@ -78,17 +73,12 @@ TEST(Settings, EveryKeyIsReadIntoItsField) {
     Ctx().TimeOutMs = 77;
     ReadSettings(AwIni());
     const RunContext& c = Ctx();
-    EXPECT_EQ(c.DbPath, u"\\db"_s);
-    EXPECT_EQ(c.DbConnect, u"DSN=orders"_s);
-    EXPECT_EQ(c.JyusinDataPath2, u"\\data2"_s);
-    EXPECT_EQ(c.CrpName, u"血球計数"_s);
-    EXPECT_EQ(FormCaption(), u"(1190) 血球計数"_s);
-    EXPECT_EQ(c.ParityCode, u"e"_s);
-    EXPECT_FLOAT_EQ(c.StopBitsNo, 1.5f);
-    EXPECT_EQ(c.TimeOutMs, 77);  // not a number: the field stays
-    EXPECT_EQ(c.DelimiterNo, u"2"_s);
-    EXPECT_EQ(c.IDEntry, u"2"_s);
-    EXPECT_EQ(c.Log, u"1"_s);
-    EXPECT_EQ(c.Tusin, u"0"_s);
-    EXPECT_EQ(c.FT01Format, QString());  // read for the tonometer only
+    // TimeOut is not a number: the field stays. FT01Format is read for the
+    // tonometer only.
+    EXPECT_EQ(
+        (QStringList{c.DbPath, c.DbConnect, c.JyusinDataPath2, c.CrpName, FormCaption(),
+                     c.ParityCode, QString::number(c.StopBitsNo), QString::number(c.TimeOutMs),
+                     c.DelimiterNo, c.IDEntry, c.Log, c.Tusin, c.FT01Format}),
+        (QStringList{u"\\db"_s, u"DSN=orders"_s, u"\\data2"_s, u"血球計数"_s, u"(1190) 血球計数"_s,
+                     u"e"_s, u"1.5"_s, u"77"_s, u"2"_s, u"2"_s, u"1"_s, u"0"_s, QString()}));
 }

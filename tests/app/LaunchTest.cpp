@@ -14,29 +14,24 @@ using namespace Qt::StringLiterals;
 using namespace orbline;
 using orbline::test::TestSite;
 
+namespace {
+
+QString Fields(const LaunchFields& f) {
+    return QStringList{f.InstrumentCode, f.ShowMode, f.IniPrefix,     f.AppPath,
+                       f.FixedSampleId,  f.Spare5,   f.RunMarkDefault}
+        .join(u'|');
+}
+
+}  // namespace
+
 TEST(CommandLine, SevenFieldsSlashesRemovedAndDefaults) {
-    const LaunchFields all = ParseCommandLine(u" 2620 = 1 =TN= \\kv\\site =00123= 9 = R "_s);
-    EXPECT_EQ(all.InstrumentCode, u"2620"_s);
-    EXPECT_EQ(all.ShowMode, u"1"_s);
-    EXPECT_EQ(all.IniPrefix, u"TN"_s);
-    EXPECT_EQ(all.AppPath, u"\\kv\\site"_s);
-    EXPECT_EQ(all.FixedSampleId, u"00123"_s);
-    EXPECT_EQ(all.Spare5, u"9"_s);
-    EXPECT_EQ(all.RunMarkDefault, u"R"_s);
-
-    const LaunchFields bare = ParseCommandLine(u"0980"_s);
-    EXPECT_EQ(bare.InstrumentCode, u"0980"_s);
-    EXPECT_EQ(bare.ShowMode, u"0"_s);
-    EXPECT_EQ(bare.Spare5, u"0"_s);
-    EXPECT_EQ(bare.AppPath, QString());
-
+    EXPECT_EQ(Fields(ParseCommandLine(u" 2620 = 1 =TN= \\kv\\site =00123= 9 = R "_s)),
+              u"2620|1|TN|\\kv\\site|00123|9|R"_s);
+    EXPECT_EQ(Fields(ParseCommandLine(u"0980"_s)), u"0980|0||||0|"_s);
     EXPECT_EQ(ParseCommandLine(u"/"_s).InstrumentCode, QString());
     EXPECT_EQ(ParseCommandLine(u"1190=0=AB=C:/kv"_s).AppPath, u"C:kv"_s);
     // An "=" in a path shifts every later field.
-    const LaunchFields shifted = ParseCommandLine(u"1190=0=AB=\\a=b=ID"_s);
-    EXPECT_EQ(shifted.AppPath, u"\\a"_s);
-    EXPECT_EQ(shifted.FixedSampleId, u"b"_s);
-    EXPECT_EQ(shifted.Spare5, u"ID"_s);
+    EXPECT_EQ(Fields(ParseCommandLine(u"1190=0=AB=\\a=b=ID"_s)), u"1190|0|AB|\\a|b|ID|"_s);
     EXPECT_EQ(ParseCommandLine(u"1190=0=AB=x=   "_s).FixedSampleId, QString());
 }
 
@@ -60,13 +55,14 @@ TEST(LoadEvent, FillsTheForm) {
     EXPECT_EQ(Ctx().Spare5, u"0"_s);
     EXPECT_EQ(Form().HiddenChar, QString(QChar(0x80)));
     EXPECT_EQ(Form().lblSysDate, u"2025-04-16 Ver 20200416"_s);
-    // The lists start on their first entry, the maximum of the automatic data on its last.
+    // The lists start on their first entry, the maximum of the automatic data on
+    // its last.
     EXPECT_EQ(Form().comboBaudRate.text(), u"75"_s);
     EXPECT_EQ(Form().comboMax.text(), u"&HFF (255)"_s);
 }
 
-// The start line under a "\" AppPath is shown by the scenario tests, which start the process
-// on a site of its own.
+// The start line under a "\" AppPath is shown by the scenario tests, which
+// start the process on a site of its own.
 TEST(Executable, WithoutACommandLineItOnlySaysHowToStart) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
