@@ -90,28 +90,32 @@ TEST(MasterTables, RowsPastTheBoundLoseTheirFieldsWhileTheCountGrows) {
     EXPECT_EQ(Item1730(500), (QStringList{u"500"_s, u"N500"_s, u"C500"_s}));
 }
 
-TEST(KensaKomoku2990, MissingFileLogsItsAbsenceOnce) {
+// A missing file clears what was loaded before and logs its absence once; the site file has
+// comments and Japanese names.
+TEST(KensaKomoku2990, MissingFileOrSiteFileWithCommentsAndJapaneseNames) {
     TestSite site;
     Ctx().InstrumentCode = u"2990"_s;
     Ctx().KensaKomokuTable2990.put(1, 1, u"stale"_s);
     Ctx().KensaKomokuCount2990 = 1;
+    const BoundedTable& table = Ctx().KensaKomokuTable2990;
+    // Each load adds one line to the console (newest first) and one to the log.
+    QString console;
+    QString log;
+    const auto logs = [&](const QString& line) {
+        console.prepend(line + u" \r\n"_s);
+        log.append(u"【検査： 2990-0-2025-04-16 09:30:15】"_s + line + u"\r\n"_s);
+        EXPECT_EQ(Form().Txt_Log.text(), console);
+        EXPECT_EQ(DecodeAnsi(site.readFile(u"Tesvane2990.log"_s)), log);
+    };
     LoadKensaKomoku2990();
     EXPECT_EQ(Ctx().KensaKomokuCount2990, 0);
-    EXPECT_EQ(Ctx().KensaKomokuTable2990.get(1, 1), QString());
-    EXPECT_EQ(Form().Txt_Log.text(), u"検査項目データなし --  \r\n"_s);
-    EXPECT_EQ(DecodeAnsi(site.readFile(u"Tesvane2990.log"_s)),
-              u"【検査： 2990-0-2025-04-16 09:30:15】検査項目データなし -- \r\n"_s);
-}
+    EXPECT_EQ(table.get(1, 1), QString());
+    logs(u"検査項目データなし -- "_s);
 
-TEST(KensaKomoku2990, SiteFileWithCommentsAndJapaneseNames) {
-    TestSite site;
-    Ctx().InstrumentCode = u"2990"_s;
     QFile fixture(QStringLiteral(ORBLINE_FIXTURES_DIR "/tables/KV_KENSAKOMOKU2990.DAT"));
     ASSERT_TRUE(fixture.open(QIODevice::ReadOnly));
     site.writeFile(u"KV_KENSAKOMOKU2990.DAT"_s, fixture.readAll());
-
     LoadKensaKomoku2990();
-    const BoundedTable& table = Ctx().KensaKomokuTable2990;
     // Two comment lines take no row; the blank line (row 3) does.
     EXPECT_EQ(Ctx().KensaKomokuCount2990, 5);
     EXPECT_EQ(Row(table, 1, 4), (QStringList{u"1"_s, u"01"_s, u"総ビリルビン"_s, u"mg/dL"_s}));
@@ -119,10 +123,7 @@ TEST(KensaKomoku2990, SiteFileWithCommentsAndJapaneseNames) {
     // A blank before the quote: a data row.
     EXPECT_EQ(Row(table, 4, 4), (QStringList{u"'1"_s, u"03"_s, u"CA19-9 Ⅱ"_s, u"U/mL"_s}));
     EXPECT_EQ(Row(table, 5, 4), (QStringList{u"2"_s, u"04"_s, u"γ-GTP"_s, QString()}));
-
-    EXPECT_EQ(Form().Txt_Log.text(), u"検査項目データ受信 -- 5  \r\n"_s);
-    EXPECT_EQ(DecodeAnsi(site.readFile(u"Tesvane2990.log"_s)),
-              u"【検査： 2990-0-2025-04-16 09:30:15】検査項目データ受信 -- 5 \r\n"_s);
+    logs(u"検査項目データ受信 -- 5 "_s);
 }
 
 TEST(Data1730, BuiltInRowsWhenMissingElseTheFileAlone) {
