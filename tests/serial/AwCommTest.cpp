@@ -141,15 +141,6 @@ TEST_F(AwCommOnPty, ReadsOneCharacterPerByteAndAClearDropsWhatWaits) {
     EXPECT_EQ(comm.ReadBufferDataSize(), 0);
 }
 
-// The stored DTR and RTS follow only a call that succeeded.
-TEST_F(AwCommOnPty, APseudoTerminalHasNoModemLines) {
-    ASSERT_TRUE(comm.OpenPort1());
-    EXPECT_FALSE(comm.CD() || comm.Dsr() || comm.Cts() || comm.RI());
-    comm.SetDtr(true);
-    comm.SetRts(true);
-    EXPECT_FALSE(comm.Dtr() || comm.Rts());
-}
-
 TEST_F(AwCommOnPty, AFullQueueDropsWhatDoesNotFitAsADriverDoes) {
     comm.SetReadBufferSize(16);
     ASSERT_TRUE(comm.OpenPort1());
