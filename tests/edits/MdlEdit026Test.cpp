@@ -139,7 +139,10 @@ TEST(ResultLines2620, ValuesKeepTheirOwnShapeAndEmptyOnesAreSkipped) {
     EXPECT_EQ(values, (QStringList{u",mmHg"_s, u"8,mmHg"_s, u"15.0,mmHg"_s, u"＜5,mmHg"_s}));
 }
 
-TEST(Edit2620Edit, NothingToReportLogsNoOutputAndLeavesNoFile) {
+// Nothing to report leaves no file; rows that are all empty make a file that is deleted rather
+// than delivered. A row past a hundred ends the process before any file; a failed delivery
+// leaves the work file, and the log line shows the run mark of the lines written.
+TEST(Edit2620DeathTest, NothingToReportLeavesNoFileAndAnErrorEndsTheProcess) {
     TestSite site;
     PrepareSite(site);
     LoadBlocks({u"\x05\r"_s, u"\x04\r"_s});
@@ -147,26 +150,20 @@ TEST(Edit2620Edit, NothingToReportLogsNoOutputAndLeavesNoFile) {
     EXPECT_TRUE(MainLog(site).contains(u"出力データなし -- 2620-0-0:"_s));
     EXPECT_FALSE(site.exists(u"data"_s) || site.exists(u"wk"_s));
 
-    // Rows that are all empty make a file that is deleted rather than delivered. Any FT01Format
-    // but "1" reads the default layout, where the section gives the rows.
+    // Any FT01Format but "1" reads the default layout, where the section gives the rows.
     Ctx().FT01Format = u"2"_s;
     LoadBlocks({u"[C.IOP]\r\r"_s});
     EditResult2620();
     EXPECT_TRUE(MainLog(site).contains(u"Size=0のため出力なし -- "_s));
     EXPECT_TRUE(QDir(site.native(u"wk"_s)).isEmpty());
     EXPECT_FALSE(site.exists(u"data"_s));
-}
 
-// A row past a hundred ends the process before any file; a failed delivery leaves the work
-// file, and the log line shows the run mark of the lines written.
-TEST(Edit2620DeathTest, AnErrorEndsTheProcess) {
-    TestSite site;
-    PrepareSite(site);
     LoadBlocks({u"[C.IOP]        mmHg\r"_s + u"   14       15\r"_s.repeated(51)});
     EXPECT_EXIT(EditResult2620(), ::testing::ExitedWithCode(1), "");
     EXPECT_TRUE(MainLog(site).contains(u"プログラム異常終了 -- 【 "_s +
                                        errors::SubscriptOutOfRange() + u" 】2620-0-0:"_s));
-    EXPECT_FALSE(site.exists(u"data"_s) || site.exists(u"wk"_s));
+    EXPECT_TRUE(QDir(site.native(u"wk"_s)).isEmpty());
+    EXPECT_FALSE(site.exists(u"data"_s));
 
     Ctx().JyusinDataPath = site.path(u"no\\such\\folder"_s);
     LoadBlocks({u"No.:7\r[C.IOP]        mmHg\r   14       15\r"_s});
