@@ -116,16 +116,14 @@ TEST(MonthlyStores, WrittenOnlyWhenLogIsOne) {
     EXPECT_EQ(errorOf(u"40000"_s), errors::Overflow());
 }
 
-TEST(BlockFiles, HoldTheBytesAsTheyCameAndAreWrittenAnew) {
+// Scenarios over a line read the block files back; what only shows here is that a shorter block
+// replaces a longer one of the same number rather than writing into it.
+TEST(BlockFiles, AreWrittenAnew) {
     TestSite site;
     QDir().mkpath(site.native(u"c2620"_s));
-    QByteArray raw;
-    for (int b = 0; b < 256; ++b) raw.append(static_cast<char>(b));
-    Ctx().ReceiveBuffer.put(0, PortText(raw));
-    BlockFileOut(site.path(u"c2620"_s), u"c2620"_s, u"0007"_s);
-    EXPECT_EQ(site.readFile(u"c2620/c2620_0007.txt"_s), raw + "\r\n");
-
-    Ctx().ReceiveBuffer.put(0, u"short"_s);
-    BlockFileOut(site.path(u"c2620"_s), u"c2620"_s, u"0007"_s);
+    for (const QString& block : {u"a longer block"_s, u"short"_s}) {
+        Ctx().ReceiveBuffer.put(0, block);
+        BlockFileOut(site.path(u"c2620"_s), u"c2620"_s, u"0007"_s);
+    }
     EXPECT_EQ(site.readFile(u"c2620/c2620_0007.txt"_s), QByteArray("short\r\n"));
 }
