@@ -1,6 +1,6 @@
-// Result file names, the record line, and the move that never replaces a file, also across
-// file systems. The delivery itself (the move, the empty and the failed one, the log pair) runs
-// in the edit tests and the scenarios.
+// Result file names and the move that never replaces a file, also across file systems. The
+// record line (its reset fields and cleaned value) and the delivery itself (the move, the empty
+// and the failed one, the log pair) run in the edit tests and the scenarios.
 
 #include "common/Paths.h"
 #include "common/ResultFile.h"
@@ -62,13 +62,6 @@ TEST(Delivery, OfTwoMovesRacingForOneNameOneTakesItAndTheOtherReplacesNothing) {
         EXPECT_EQ(results[aWon ? 1 : 0], MoveResult::TargetExists) << round;
         EXPECT_EQ(site.readFile(name) + site.readFile(aWon ? u"b"_s : u"a"_s), aWon ? "ab" : "ba");
     }
-}
-
-// The scenarios' records show each field in its place; here the reset values and the cleaning.
-TEST(ResultRecordLine, NineteenFieldsFromTheResetWithTheValueCleaned) {
-    EXPECT_EQ(ResultRecordLine({.InstrumentCode = u"2620"_s, .ResultValue = u"  <3.0 "_s}),
-              u",,0,0,2620,,000000,,,,,,,＜3.0,,MIN,,,"_s);
-    EXPECT_EQ(ResultRecordLine({.ResultValue = u">999"_s}).section(u',', 13, 13), u"＞999"_s);
 }
 
 TEST(Delivery, AcrossFileSystemsTheFileArrivesWholeReplacingNothingAndNoStagingNameStays) {
