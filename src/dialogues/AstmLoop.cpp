@@ -161,19 +161,8 @@ struct AstmRun {
     }
 
     void OneRound() {
-        YieldToEvents();
-        SleepScaled(SleepBeforeNextLook(window, MonotonicMs(), ScaledMilliseconds(kRoundMs)));
-        if (window.phase == WindowPhase::Idle) PollOrders(d.pollers, pollCounts);
-        Form_TesvaneMain& f = Form();
-        // A stop that ran in the yield has closed the port.
-        if (!f.Connected) return;
-        if (window.phase == WindowPhase::Idle) EndSessionIfPortGone();
-        QString bytes;
-        if (f.comm().ReadBufferDataSize() >= 1) {
-            if (window.phase == WindowPhase::Idle) ErasePaneArrays();
-            bytes = ReadText1(f.comm());
-        }
-        std::optional<QString> read = TakeRead(window, MonotonicMs(), bytes);
+        std::optional<QString> read =
+            NextWindowedRead(window, [this] { PollOrders(d.pollers, pollCounts); });
         if (read && d.framing == Framing::JoinedToCrLf) read = Join(joiner, *read);
         if (!read) return;
         QString& piece = Ctx().ReceiveBuffer.checked(0);

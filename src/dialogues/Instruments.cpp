@@ -6,7 +6,9 @@
 #include "dialogues/Dialogue1650.h"
 #include "dialogues/Dialogue1660.h"
 #include "dialogues/Dialogue1730.h"
+#include "dialogues/Dialogue2140.h"
 #include "dialogues/Dialogue2620.h"
+#include "dialogues/Dialogue2990.h"
 #include "tables/MdlOption.h"
 
 #include <array>
@@ -29,12 +31,18 @@ constexpr std::array<Instrument, 12> kInstruments{{
      .kind = u"immunoassay analyser",
      .dialogue = &BeginCommLoop1730,
      .loadAtLaunch = &LoadData1730},
-    {.code = u"2140", .kind = u"chemistry analyser", .loadAtStart = &LoadOption2140},
+    {.code = u"2140",
+     .kind = u"chemistry analyser",
+     .dialogue = &BeginCommLoop2140,
+     .loadAtStart = &LoadOption2140},
     {.code = u"2620",
      .kind = u"tonometer",
      .dialogue = &BeginCommLoop2620,
      .readsFT01Format = true},
-    {.code = u"2990", .kind = u"chemistry analyser", .loadAtStart = &LoadKensaKomoku2990},
+    {.code = u"2990",
+     .kind = u"chemistry analyser",
+     .dialogue = &BeginCommLoop2990,
+     .loadAtStart = &LoadKensaKomoku2990},
 }};
 
 }  // namespace

@@ -27,6 +27,8 @@ TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
         {u"coagulation-1650.sim"_s, u"1650"_s, u"CA-50"_s, 2},
         {u"cobas-1660.sim"_s, u"1660"_s, u"COBAS"_s, 7},
         {u"immunoassay-1730.sim"_s, u"1730"_s, u"E411"_s, 7},
+        {u"chemistry-2140.sim"_s, u"2140"_s, u"BM-2140"_s, 3},
+        {u"chemistry-2990.sim"_s, u"2990"_s, u"BM-2990"_s, 3},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script.toStdString());
