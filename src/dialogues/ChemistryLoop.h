@@ -20,9 +20,9 @@ enum class DataFrameLog {
 };
 
 struct ChemistryDialogue {
-    FixedReply noStxReply;     // the reply to a read that does not begin with STX
+    FixedReply noStxReply;  // the reply to a read that does not begin with STX
     DataFrameLog dataFrameLog;
-    bool slogsDataFrames;      // each data frame to the Slog as it comes, besides the edit's copy
+    bool slogsDataFrames;  // each data frame to the Slog as it comes, besides the edit's copy
     // The order exchange for an inquiry; nullptr: the inquiry is acknowledged and dropped.
     void (*inquiry)(const QString& frame, ChemistryFrames& frames) = nullptr;
     void (*edit)(const ChemistryFrames& frames, std::int16_t count) = nullptr;

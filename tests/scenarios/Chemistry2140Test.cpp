@@ -114,9 +114,9 @@ TEST(Chemistry2140, InquiriesAnsweredFromTheOrderStore) {
     std::string flagsB(88, '0');
     flagsB[1] = '1';
     const std::pair<std::string, std::string> exchanges[] = {
-        {ChemistryFrame(';', "A100", {}),
-         "<STX>" + echo("A100") + " 88" + flagsA + "100000" + "<xD4><xCF><xC0><xDE>" +
-             std::string(26, ' ') + "<ETX>"},
+        {ChemistryFrame(';', "A100", {}), "<STX>" + echo("A100") + " 88" + flagsA + "100000" +
+                                              "<xD4><xCF><xC0><xDE>" + std::string(26, ' ') +
+                                              "<ETX>"},
         {ChemistryFrame(';', "B200", {}),
          "<STX>" + echo("B200") + " 88" + flagsB + "100000" + std::string(33, ' ') + "<ETX>"},
         {ChemistryFrame(';', "C300", {}), kNegative},
