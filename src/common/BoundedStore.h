@@ -64,6 +64,10 @@ class BoundedTable {
         if (!contains(row, column)) throw RuntimeError(errors::SubscriptOutOfRange());
         return cells_[index(row, column)];
     }
+    const QString& checked(qsizetype row, qsizetype column) const {
+        if (!contains(row, column)) throw RuntimeError(errors::SubscriptOutOfRange());
+        return cells_[index(row, column)];
+    }
     void clear() { std::fill(cells_.begin(), cells_.end(), QString()); }
 
   private:

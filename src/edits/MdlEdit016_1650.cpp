@@ -7,7 +7,7 @@
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
 #include "common/Text.h"
-#include "common/TextFile.h"
+#include "edits/ResultDelivery.h"
 #include "tables/ItemTables.h"
 
 using namespace Qt::StringLiterals;
@@ -105,8 +105,6 @@ void EditResult1650(const QString& message) {
     try {
         RunContext& c = Ctx();
         SlogOut(message, InstrumentCodeNumber(), NowText(u"YYYYMMDDHHMMSS"_s), 1);
-        QString workPath;
-        MakeOutFile(c.JyusinWKPath, workPath);
         const EditSettings settings = EditSettingsFromContext();
         const Edit1650 edit = ResultLines1650(message, settings);
         // An error line leaves the log lines with the sample of the message before.
@@ -114,8 +112,7 @@ void EditResult1650(const QString& message) {
             c.SampleId = *edit.sampleId;
             c.RunMark = edit.recordBuilt ? settings.runMarkDefault : u"0"_s;
         }
-        if (!WriteNewText(workPath, edit.lines)) throw RuntimeError(errors::PathNotFound());
-        DeliverWorkFile(workPath, FailedMove::Throws);
+        WriteAndDeliverOrThrow(edit.lines);
     } catch (const RuntimeError& error) {
         ErrorExit(error.description());
     }

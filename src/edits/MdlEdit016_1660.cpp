@@ -8,10 +8,10 @@
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
 #include "common/Text.h"
-#include "common/TextFile.h"
 #include "edits/MdlEdit016.h"
 #include "edits/MdlEdit016_Cobas.h"
 #include "edits/PieceFiles.h"
+#include "edits/ResultDelivery.h"
 #include "tables/ItemTables.h"
 
 using namespace Qt::StringLiterals;
@@ -58,11 +58,7 @@ std::optional<CobasQuery> RunEdit(std::int16_t pieceCount) {
         [&](const QStringList& texts) { return ParseMessage1660(texts, settings.sampleRule); });
     if (message.query) return message.query;
 
-    const QString lines = ResultLines1660(message, settings);
-    QString workPath;
-    MakeOutFile(Ctx().JyusinWKPath, workPath);
-    if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
-    DeliverWorkFile(workPath, FailedMove::Throws);
+    WriteAndDeliverOrThrow(ResultLines1660(message, settings));
     return std::nullopt;
 }
 

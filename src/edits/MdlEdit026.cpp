@@ -7,7 +7,7 @@
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
 #include "common/Text.h"
-#include "common/TextFile.h"
+#include "edits/ResultDelivery.h"
 
 #include <QStringView>
 
@@ -133,16 +133,13 @@ void ScanDefaultLine(const QString& line, const ScanInputs2620& inputs, Section&
 
 void WriteRows(const std::vector<Row2620>& rows, const EditSettings& settings) {
     RunContext& c = Ctx();
-    QString workPath;
-    MakeOutFile(c.JyusinWKPath, workPath);
     const QString lines = ResultLines2620(rows, settings);
     // The log lines show the sample number of the last row, and the run mark once a line is
     // built.
     c.SampleId = rows.back().sampleId;
     if (!lines.isEmpty()) c.RunMark = settings.runMarkDefault;
     // The file exists even when every row was skipped: delivery then deletes it.
-    if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
-    DeliverWorkFile(workPath, FailedMove::Throws);
+    WriteAndDeliverOrThrow(lines);
 }
 
 void RunEdit() {

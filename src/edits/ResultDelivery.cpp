@@ -30,4 +30,11 @@ void BuildAndDeliver(const std::function<QString(bool* lineBuilt)>& buildLines,
     if (complete) WriteAndDeliver(lines, names);
 }
 
+void WriteAndDeliverOrThrow(const QString& lines) {
+    QString workPath;
+    MakeOutFile(Ctx().JyusinWKPath, workPath);
+    if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
+    DeliverWorkFile(workPath, FailedMove::Throws);
+}
+
 }  // namespace orbline

@@ -1,6 +1,7 @@
 #pragma once
-// The write and delivery of a result file for the edits that pass their errors over (0980,
-// 1190): every step that fails has no effect, and the next one runs.
+// The write and delivery of a result file: for the edits that pass their errors over (0980,
+// 1190), every step that fails has no effect and the next one runs; for the edits with an error
+// exit, the first step that fails throws.
 
 #include <QString>
 
@@ -21,5 +22,9 @@ void WriteAndDeliver(const QString& lines, DeliveryNames names);
 // in a value) leave no file, as a failed step always has.
 void BuildAndDeliver(const std::function<QString(bool* lineBuilt)>& buildLines,
                      DeliveryNames names);
+
+// The result lines into a new work file and on to the delivery folder, an empty file deleted
+// there. Throws RuntimeError at the first step that fails; a failed move leaves the work file.
+void WriteAndDeliverOrThrow(const QString& lines);
 
 }  // namespace orbline
