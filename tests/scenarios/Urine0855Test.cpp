@@ -83,7 +83,8 @@ struct Report {
 }  // namespace
 
 // One session of reports: a two-frame report of each model gives its records, one of another
-// model gives the error line alone, a report in three frames cut inside them is put together.
+// model gives the error line alone, a report in three frames cut inside them is put together,
+// and one of no test gives an empty file.
 // Nothing at all goes back on the line.
 TEST(Urine0855, ReportsOfEachModelAndOfAnUnknownOne) {
     const auto twoFrames = [](const std::string& model, const std::string& id) {
@@ -103,6 +104,8 @@ TEST(Urine0855, ReportsOfEachModelAndOfAnUnknownOne) {
         {twoFrames("VAE-4020", ""), WithHead(u"0"_s), u"0-"_s},
         {twoFrames("VPU-3000", "12"), {u"ERROR:検査機器が違います。VPU-3000,0855,UA"_s}, u"0-0"_s},
         {threeFrames, WithHead(u"K-77"_s), u"K-77-"_s},
+        // One frame without a print line: the file is delivered empty, as the edit always makes it.
+        {{"<STX>" + Header("VPU-4010", "9") + "<ETX>"}, {}, u"9-0"_s},
     };
     LinkProcess link;
     link.timeScale = u"0.1"_s;
