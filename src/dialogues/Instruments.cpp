@@ -1,5 +1,6 @@
 #include "dialogues/Instruments.h"
 
+#include "dialogues/Dialogue0855.h"
 #include "dialogues/Dialogue0980.h"
 #include "dialogues/Dialogue1160.h"
 #include "dialogues/Dialogue1190.h"
@@ -19,7 +20,7 @@ namespace {
 
 // In the order the codes are tested.
 constexpr std::array<Instrument, 12> kInstruments{{
-    {.code = u"0855", .kind = u"urine analyser"},
+    {.code = u"0855", .kind = u"urine analyser", .dialogue = &BeginCommLoop0855},
     {.code = u"0980", .kind = u"glycohaemoglobin analyser", .dialogue = &BeginCommLoop0980},
     {.code = u"0990", .kind = u"blood glucose meter"},
     {.code = u"1160", .kind = u"AIA analyser", .dialogue = &BeginCommLoop1160},

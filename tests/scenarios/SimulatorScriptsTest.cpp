@@ -29,6 +29,7 @@ TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
         {u"immunoassay-1730.sim"_s, u"1730"_s, u"E411"_s, 7},
         {u"chemistry-2140.sim"_s, u"2140"_s, u"BM-2140"_s, 3},
         {u"chemistry-2990.sim"_s, u"2990"_s, u"BM-2990"_s, 3},
+        {u"urine-0855.sim"_s, u"0855"_s, u"UA"_s, 8},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script.toStdString());
