@@ -27,6 +27,7 @@ TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
         {u"coagulation-1650.sim"_s, u"1650"_s, u"CA-50"_s, 2},
         {u"cobas-1660.sim"_s, u"1660"_s, u"COBAS"_s, 7},
         {u"immunoassay-1730.sim"_s, u"1730"_s, u"E411"_s, 7},
+        {u"glucose-0990.sim"_s, u"0990"_s, u"GM"_s, 2},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script.toStdString());
