@@ -39,7 +39,7 @@ struct Run0990 {
     std::int16_t eotFlag = 0;
     std::int16_t synCount = 0;
 
-    void Store(const QString& frame) {
+    void Store() {
         CountUp(pieceCount);
         if (pieceCount == 1) {
             // The frames of the transmission before go with the first frame of this one.
@@ -47,7 +47,7 @@ struct Run0990 {
             MakeFolder(folder);
             LogText(u"データ受信中 -- "_s);
         }
-        Ctx().ReceiveBuffer.checked(0) = frame;
+        // BlockFileOut writes the receive buffer, which holds the frame.
         BlockFileOut(folder, u"c990"_s, FormatNumber(QString::number(pieceCount), u"0000"_s));
         SendFixedReply(FixedReply::FrameAccepted);
         if (eotFlag != 1) return;
@@ -72,7 +72,7 @@ struct Run0990 {
         const FrameCheck check = CheckFrame0990(frame, pieceCount, eotFlag, History());
         switch (check) {
             case FrameCheck::Good:
-                Store(frame);
+                Store();
                 return;
             case FrameCheck::Idle:
                 Idle();
