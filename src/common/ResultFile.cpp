@@ -89,25 +89,26 @@ namespace {
 // Names one process may find taken in a row before its move counts as failed.
 constexpr int kDeliveryNameTries = 100000;
 
-// A new name in JyusinDataPath, the move there, and the log pair "出力完了(Write) -- ". A name
-// that is taken, by a file of an earlier process or by another process at this moment, moves
-// the serial on.
+// The move, then the log pair "出力完了(Write) -- ".
 void MoveIntoDelivery(const QString& workPath, FailedMove failedMove, QString* deliveredPath) {
+    if (!MoveToDeliveryName(workPath, deliveredPath) && failedMove == FailedMove::Throws)
+        throw RuntimeError(errors::PathNotFound());
+    LogEvent(u"出力完了(Write) -- "_s, u"出力完了(Write) -- "_s, LogForm::Full);
+}
+
+}  // namespace
+
+bool MoveToDeliveryName(const QString& workPath, QString* deliveredPath) {
     QString target;
     MoveResult moved = MoveResult::TargetExists;
     for (int tries = 0; tries < kDeliveryNameTries && moved == MoveResult::TargetExists; ++tries) {
         MakeDeliveryName(Ctx().JyusinDataPath, target);
         moved = MoveFileDurable(workPath, target);
     }
-    if (moved == MoveResult::Moved) {
-        if (deliveredPath != nullptr) *deliveredPath = target;
-    } else if (failedMove == FailedMove::Throws) {
-        throw RuntimeError(errors::PathNotFound());
-    }
-    LogEvent(u"出力完了(Write) -- "_s, u"出力完了(Write) -- "_s, LogForm::Full);
+    if (moved != MoveResult::Moved) return false;
+    if (deliveredPath != nullptr) *deliveredPath = target;
+    return true;
 }
-
-}  // namespace
 
 Delivery DeliverWorkFile(const QString& workPath, FailedMove failedMove, QString* deliveredPath) {
     const auto length = FileLength(workPath);

@@ -58,6 +58,10 @@ enum class Delivery { Delivered, Empty };
 // What a move into the delivery folder that fails does: an edit with an error exit ends there;
 // an edit that passes its errors over goes on to the log pair as if the move had been made.
 enum class FailedMove { Throws, PassedOver };
+// A new name in JyusinDataPath for a closed work file and the move there, with no log. A name
+// that is taken, by a file of an earlier process or by another process at this moment, moves
+// the serial on. False when the move fails; the work file then stays where it is.
+bool MoveToDeliveryName(const QString& workPath, QString* deliveredPath = nullptr);
 // The common end of a result edit, for a closed work file: when it holds bytes, a new name in
 // JyusinDataPath and the move ("出力完了(Write) -- "); when empty, its deletion
 // ("Size=0のため出力なし -- "). A name that a file of the delivery folder has moves the serial

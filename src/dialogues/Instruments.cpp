@@ -2,6 +2,7 @@
 
 #include "dialogues/Dialogue0855.h"
 #include "dialogues/Dialogue0980.h"
+#include "dialogues/Dialogue0990.h"
 #include "dialogues/Dialogue1160.h"
 #include "dialogues/Dialogue1190.h"
 #include "dialogues/Dialogue1650.h"
@@ -22,7 +23,7 @@ namespace {
 constexpr std::array<Instrument, 12> kInstruments{{
     {.code = u"0855", .kind = u"urine analyser", .dialogue = &BeginCommLoop0855},
     {.code = u"0980", .kind = u"glycohaemoglobin analyser", .dialogue = &BeginCommLoop0980},
-    {.code = u"0990", .kind = u"blood glucose meter"},
+    {.code = u"0990", .kind = u"blood glucose meter", .dialogue = &BeginCommLoop0990},
     {.code = u"1160", .kind = u"AIA analyser", .dialogue = &BeginCommLoop1160},
     {.code = u"1190", .kind = u"haematology analyser", .dialogue = &BeginCommLoop1190},
     {.code = u"1650", .kind = u"coagulation analyser", .dialogue = &BeginCommLoop1650},

@@ -69,4 +69,36 @@ QString ResultLines0980(const Message0980& message, const EditSettings& settings
 // and RunMark for the log lines, KensaDate and KensaTime for the next message.
 Message0980 EditResult0980(std::int16_t pieceCount);
 
+// Result edit of the blood glucose meter 0990: every "BD" record of the stored frames is one
+// measurement and becomes a result file of its own, the glucose value and, when there is one,
+// the comment. The files of a transmission reach the delivery folder together, after all are
+// written. A run-time error ends the process through the error exit.
+
+// One "BD" record. The identifier is already normalised: "0" when empty or absent, a number
+// without its leading zeros, or the fixed sample number.
+struct Measurement0990 {
+    QString kensaDate{};  // "20" + YYMMDD
+    QString kensaTime{};  // HHMMSS
+    QString sampleId = QStringLiteral("0");
+    QString value{};
+    QString judgement{};  // "1" low, "2" high
+    QString comment{};    // trimmed, DEL removed
+    bool operator==(const Measurement0990&) const = default;
+};
+
+inline constexpr std::size_t kMaxMeasurements0990 = 2000;
+
+// The measurements in the texts of the stored frames (the EOT frame left out), each text read
+// line by line. A "BD" record past the 2000th throws RuntimeError.
+std::vector<Measurement0990> ParseFrames0990(const QStringList& frameTexts, const SampleRule& rule);
+
+// The CR LF lines of one measurement's result file: the glucose record, and the comment record
+// when the comment isn't empty.
+QString ResultLines0990(const Measurement0990& measurement, const EditSettings& settings);
+
+// Reads frames 1 .. pieceCount - 1 of AppPath\c990, writes one work file per measurement, then
+// moves them all into the delivery folder. Leaves SampleId (of the last measurement) and RunMark
+// "0" in RunContext for the log line.
+void EditResult0990(std::int16_t& pieceCount);
+
 }  // namespace orbline
