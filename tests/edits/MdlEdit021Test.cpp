@@ -80,9 +80,8 @@ TEST(ReadChemistryFrame, IdentifierDateAndTimeOfTheLastFrame) {
     const std::tuple<std::string, SampleRule, QString> cases[] = {
         {"", {}, u"0"_s},
         {"A-0012", {}, u"A-0012"_s},
-        {"0042", {u"0"_s, u"F9"_s}, u"F9"_s},
-        {"A-1", {u"2"_s, {}}, QString()},
-    };
+        {"42", {u"0"_s, u"F9"_s}, u"F9"_s},
+        {"A-1", {u"2"_s, {}}, QString()}};
     for (const auto& [id, rule, sampleId] : cases) {
         const ChemistryMessage message =
             Read({FrameOf("77", {ItemGroup("1", "1")}, "1231991159"), FrameOf(id, {})}, rule);
