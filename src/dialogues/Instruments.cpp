@@ -7,6 +7,7 @@
 #include "dialogues/Dialogue1190.h"
 #include "dialogues/Dialogue1650.h"
 #include "dialogues/Dialogue1660.h"
+#include "dialogues/Dialogue1671.h"
 #include "dialogues/Dialogue1730.h"
 #include "dialogues/Dialogue2140.h"
 #include "dialogues/Dialogue2620.h"
@@ -27,7 +28,7 @@ constexpr std::array<Instrument, 12> kInstruments{{
     {.code = u"1160", .kind = u"AIA analyser", .dialogue = &BeginCommLoop1160},
     {.code = u"1190", .kind = u"haematology analyser", .dialogue = &BeginCommLoop1190},
     {.code = u"1650", .kind = u"coagulation analyser", .dialogue = &BeginCommLoop1650},
-    {.code = u"1671", .kind = u"tympanometer"},
+    {.code = u"1671", .kind = u"tympanometer", .dialogue = &BeginCommLoop1671},
     {.code = u"1660", .kind = u"cobas analyser", .dialogue = &BeginCommLoop1660},
     {.code = u"1730",
      .kind = u"immunoassay analyser",

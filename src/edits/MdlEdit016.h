@@ -106,4 +106,17 @@ QString ResultLines1730(const CobasMessage& message, const EditSettings& setting
 std::optional<CobasQuery> EditResult1660(std::int16_t pieceCount);
 std::optional<CobasQuery> EditResult1730(std::int16_t pieceCount);
 
+// 1671. What a call of the tympanometer edit covers.
+enum class Call1671 {
+    OneEar,    // one "J" line
+    BothEars,  // two "J" lines, the right and the left ear of one test
+    Reflex,    // a batch of reflex lines, every line to the end of the list
+};
+// Writes the chart into JyusinDataPath2 and the result file that points to it, for the
+// repaired lines of one call (each ending in ETX). A first line that is empty, or marked with
+// neither "J" nor "M", gives its error line in the result file instead; so does a pair of two
+// dates or a pair whose ear files are missing. A run-time error ends the process through the
+// error exit.
+void EditResult1671(const QStringList& lines, Call1671 call);
+
 }  // namespace orbline
