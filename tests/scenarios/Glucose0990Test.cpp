@@ -14,6 +14,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace orbline::test;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -69,6 +70,7 @@ TEST(Glucose0990, RefusalsDeliveryTogetherAndABrokenOffTransmission) {
     // A frame in two reads is answered at its ETX; each measurement is a file of its own.
     const std::string first = Bd("PID=1234567890123456789", " 125", "0", "meal");  // 16 taken
     ASSERT_TRUE(link.line.line.send(Notation(first.substr(0, 20))));
+    EXPECT_EQ(Drained(link, 300ms), "");
     Exchange(link, first.substr(20), ok);
     Exchange(link, header, ok);
     QList<QStringList> expected{
