@@ -17,14 +17,12 @@ TEST(Urine0855, ReportsOfEachModelAndOfAnUnknownOne) {
         "GLU    NEG.              <CR><LF>PRO   *2+*      100mg/dL <CR><LF>"
         "URO    NORMAL   0.2EU/dL <CR><LF>";
     const std::string second =
-        "PH              6.5      <CR><LF>S.G.          1.020      <CR><LF>"
         "BLD    1+                <CR><LF>CRE             <LT>10mg/dL <CR><LF>"
         "A/C    NORMAL   030mg/gCr<CR><LF>";
     const QStringList records = {
         u"0850150,GLU(定性),,,,,-,,MIN,,,"_s,   u"0850020,PRO,,,,,100,mg/dL,MIN,,,"_s,
         u"0850160,PRO(定性),H,,,,++,,MIN,,,"_s, u"0850040,URO,,,,,0.2,EU/dL,MIN,,,"_s,
-        u"0850180,URO(定性),,,,,N,,MIN,,,"_s,   u"0850050,PH,,,,,6.5,,MIN,,,"_s,
-        u"0850060,S.G.,,,,,1.020,,MIN,,,"_s,    u"0850210,BLD(定性),,,,,+,,MIN,,,"_s,
+        u"0850180,URO(定性),,,,,N,,MIN,,,"_s,   u"0850210,BLD(定性),,,,,+,,MIN,,,"_s,
         u"0850110,CRE,,,,,＜10,mg/dL,MIN,,,"_s, u"0850130,A/C,,,,,30,mg/gCr,MIN,,,"_s,
         u"0850270,A/C(定性),,,,,-,,MIN,,,"_s};
     // Model, identifier, whether print lines follow the header, and the SampleId and RunMark of
