@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QProcess>
-#include <QThread>
 
 using namespace Qt::StringLiterals;
 using namespace orbline::test;
@@ -38,8 +36,7 @@ Played PlayPrintOut(LinkProcess& link, const QString& fixture) {
     EXPECT_TRUE(link.line.line.drain(std::chrono::milliseconds(200)).empty());
     EXPECT_EQ(link.line.line.record().size(), blocks.size() * 2);
 
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
     const QStringList files = link.deliveries();
     EXPECT_EQ(files.size(), 1);
     if (!files.isEmpty())
@@ -139,8 +136,7 @@ TEST(Tonometer2620, ATextWithoutABlockEndGrowsUntilOneComesAndIsOneBlock) {
     ASSERT_TRUE(line.send(Notation("<EOT><CR>")));
     EXPECT_EQ(line.receive(2, std::chrono::seconds(5)), Notation("<ACK><CR>"));
     EXPECT_TRUE(link.waitForLog(u"出力データなし"_s));
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
 
     QFile block(link.native(u"c2620/c2620_0002.txt"_s));
     ASSERT_TRUE(block.open(QIODevice::ReadOnly));
