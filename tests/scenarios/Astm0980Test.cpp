@@ -15,7 +15,6 @@ using namespace orbline::test;
 namespace {
 
 const std::string kHeader = Frame("1H|\\^&|||HLC-723G11^01.02|||||||||1.0<CR>");
-const QString kStamp = u":2025-04-16 09:30:15"_s;
 
 // A query for the key, as the instrument sends it when a tube is loaded.
 std::string Query(const std::string& key) {

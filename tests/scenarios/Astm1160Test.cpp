@@ -13,7 +13,6 @@ namespace sim = orbline::sim;
 namespace {
 
 const std::string kHeader = Frame("1H|\\^&|||AIA-360^1.10|||||||P|1<CR>");
-const QString kStamp = u":2025-04-16 09:30:15"_s;
 
 }  // namespace
 

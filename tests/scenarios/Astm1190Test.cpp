@@ -1,6 +1,6 @@
 // The haematology analyser 1190 against the running process: the Sysmex XN-550 capture as a
 // result message, with and without its flags, and the cobas e411 query capture answered with
-// the patient and the tests of an order, with and without one.
+// the patient and the tests of an order.
 
 #include "support/AstmInstrument.h"
 
@@ -9,13 +9,6 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace orbline::test;
-namespace sim = orbline::sim;
-
-namespace {
-
-const QString kStamp = u":2025-04-16 09:30:15"_s;
-
-}  // namespace
 
 // Every frame of the capture is acknowledged, the EOT too. OutIP "0" keeps the measured items
 // (IG% and IG# are not among them); OutIP "1" adds the flags the flag groups name, in the

@@ -25,8 +25,6 @@ using namespace orbline::test;
 
 namespace {
 
-const QString kStamp = u":2025-04-16 09:30:15"_s;
-
 QStringList LastLines(const QStringList& lines, qsizetype count) {
     return lines.mid(std::max<qsizetype>(0, lines.size() - count));
 }

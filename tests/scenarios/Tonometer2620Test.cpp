@@ -1,7 +1,7 @@
 // The tonometer against the running process: blocks cut into several reads, one ACK CR after
 // each block, one delivered result file, an empty work folder and the main log in order.
 
-#include "support/LinkProcess.h"
+#include "support/AstmInstrument.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,6 @@ using namespace Qt::StringLiterals;
 using namespace orbline::test;
 
 namespace {
-
-const QString kStamp = u":2025-04-16 09:30:15"_s;
 
 struct Played {
     QStringList records;
@@ -44,13 +42,6 @@ Played PlayPrintOut(LinkProcess& link, const QString& fixture) {
     EXPECT_EQ(link.workFiles(), QStringList());
     played.log = link.logMessages();
     return played;
-}
-
-LinkProcess& Started(LinkProcess& link, const QString& extraKeys = QString()) {
-    link.writeSettings(extraKeys);
-    link.start();
-    EXPECT_TRUE(link.waitForLog(u"受信開始(Wait)"_s));
-    return link;
 }
 
 }  // namespace
@@ -94,7 +85,8 @@ TEST(Tonometer2620, EachPrintOutBecomesOneResultFileAndTheLogTellsItsDialogue) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fixture.toStdString());
         LinkProcess link;
-        const Played played = PlayPrintOut(Started(link, c.keys), c.fixture);
+        StartInstrument(link, u"2620"_s, u"TOMEY"_s, c.keys);
+        const Played played = PlayPrintOut(link, c.fixture);
         QStringList records;
         for (const QString& tail : c.tails)
             records.append(c.head + u",2620,TOMEY,000000,"_s + tail + u",MIN,,,"_s);
@@ -123,7 +115,7 @@ TEST(Tonometer2620, EachPrintOutBecomesOneResultFileAndTheLogTellsItsDialogue) {
 // however long the line stays without one, and the whole text is one block.
 TEST(Tonometer2620, ATextWithoutABlockEndGrowsUntilOneComesAndIsOneBlock) {
     LinkProcess link;
-    Started(link);
+    StartInstrument(link, u"2620"_s, u"TOMEY"_s);
     auto& line = link.line.line;
     line.setRate(115200);
     // A CR with the ETX in the middle of the text is no block end: no reply.

@@ -12,6 +12,9 @@
 
 namespace orbline::test {
 
+// The end of a log line under the fixed clock that start() gives the process.
+inline const QString kStamp = QStringLiteral(":2025-04-16 09:30:15");
+
 class LinkProcess {
   public:
     LinkProcess();
