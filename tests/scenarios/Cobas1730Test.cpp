@@ -92,10 +92,9 @@ TEST(Cobas1730, TheCobasCapturesAreDelivered) {
     }
 }
 
-// Header, patient, order and terminator, each on the ACK to the one before, then EOT on the
-// ACK to the terminator. A refused record is not sent again: ENQ goes out, and its ACK brings
-// the next record. Without an order: the simulator's immunoassay-1730 script and the lookup
-// tests.
+// Header, patient, order and terminator, each on the ACK to the one before, then EOT on the ACK
+// to the terminator. A refused record is not sent again: ENQ goes out, its ACK brings the next
+// record. Without an order: the simulator's immunoassay-1730 script and the lookup tests.
 TEST(Cobas1730, AQueryIsAnsweredInFourFramesAndARefusedRecordIsNotSentAgain) {
     LinkProcess link;
     QStringList columns{u"KENSAKIKICD"_s, u"1730"_s, u"KANJYAINFO"_s, u"K0001"_s};
