@@ -39,15 +39,11 @@ std::string TerminatorFrame(int no) {
     return Frame(std::to_string(no) + "L|1|N<CR>");
 }
 
-void Started(LinkProcess& link, const QString& keys = QString()) {
-    StartInstrument(link, u"0980"_s, u"HLC"_s, keys);
-}
-
 }  // namespace
 
 TEST(Astm0980, AResultMessageInSeveralReadsBecomesOneResultFile) {
     LinkProcess link;
-    Started(link);
+    StartInstrument(link, u"0980"_s, u"HLC"_s);
     SendAcked(link, "<ENQ>" + kHeader +
                         Frame("2P|1<CR>O|1|001234^Ward3|7||||||||||||||||||2025041608150000<CR>") +
                         Frame("3R|1|^^^HbA1cValue|5.60|%|||||||202504160925<CR>"
@@ -81,7 +77,7 @@ TEST(Astm0980, AQueryIsAnsweredWithTheTestOfItsOrder) {
     // Stored without the "-": the lookup takes it out of the key.
     StoreOrder(link, {u"KENSAKIKICD"_s, u"0980"_s, u"ORDERCD"_s, u"K0001"_s, u"KENSACNT"_s, u"1"_s,
                       u"KENSA1"_s, u"0980020"_s});
-    Started(link);
+    StartInstrument(link, u"0980"_s, u"HLC"_s);
     SendAcked(link, Query("K-0001"));
     EXPECT_EQ(Received(link, 1), "<ENQ>");
     Exchange(link, "<ACK>", HeaderFrame(1, false));
@@ -106,7 +102,7 @@ TEST(Astm0980, AQueryIsAnsweredWithTheTestOfItsOrder) {
 TEST(Astm0980, RefusalsRepeatTheFrameAndTheThirdEndsThePhase) {
     LinkProcess link;
     CreateOrderStore(link);
-    Started(link);
+    StartInstrument(link, u"0980"_s, u"HLC"_s);
     SendAcked(link, Query("K-0003"));
     EXPECT_EQ(Received(link, 1), "<ENQ>");
     Exchange(link, "<NAK>", "");
@@ -139,7 +135,7 @@ TEST(Astm0980, RefusalsRepeatTheFrameAndTheThirdEndsThePhase) {
 TEST(Astm0980, ALongOrderRecordGoesInTwoFramesAndARefusedFirstPartWaits) {
     LinkProcess link;
     CreateOrderStore(link);
-    Started(link);
+    StartInstrument(link, u"0980"_s, u"HLC"_s);
     const std::string key(230, 'K');
     SendAcked(link, Query(key));
     EXPECT_EQ(Received(link, 1), "<ENQ>");
@@ -161,7 +157,7 @@ TEST(Astm0980, AnOrderFileDroppedWhileTheDialogueRunsIsTaken) {
     LinkProcess link;
     link.timeScale = u"0.1"_s;
     StoreOrder(link, {u"ORDERCD"_s, u"unrelated"_s});
-    Started(link, OrderFolderKeys(link));
+    StartInstrument(link, u"0980"_s, u"HLC"_s, OrderFolderKeys(link));
     DropOrderFile(link, u"orders/0980_0416.csv"_s, u"K0005"_s, u"0980"_s, {u"HbA1c"_s});
 
     ASSERT_TRUE(link.waitForLog(u"オーダデータ取得完了(Edit)"_s, 20000));
