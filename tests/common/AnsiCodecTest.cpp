@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QSet>
-
-#include <vector>
-
 using namespace Qt::StringLiterals;
 using namespace orbline;
 

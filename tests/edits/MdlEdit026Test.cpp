@@ -21,14 +21,6 @@ using orbline::test::TestSite;
 
 namespace {
 
-void PrepareSite(const TestSite& site) {
-    Ctx().IniPrefix = u"TN"_s;
-    Ctx().InstrumentName = u"眼圧計"_s;
-    Ctx().RunMarkDefault = u"1"_s;
-    Ctx().JyusinWKPath = site.path(u"wk"_s);
-    Ctx().JyusinDataPath = site.path(u"data"_s);
-}
-
 void LoadBlocks(const QStringList& blocks) {
     for (qsizetype i = 0; i < blocks.size(); ++i) Ctx().BlockList.put(i, blocks[i]);
     Ctx().BlockCount = static_cast<std::int16_t>(blocks.size());
@@ -144,7 +136,11 @@ TEST(ResultLines2620, ValuesKeepTheirOwnShapeAndEmptyOnesAreSkipped) {
 // leaves the work file, and the log line shows the run mark of the lines written.
 TEST(Edit2620DeathTest, NothingToReportLeavesNoFileAndAnErrorEndsTheProcess) {
     TestSite site;
-    PrepareSite(site);
+    Ctx().IniPrefix = u"TN"_s;
+    Ctx().InstrumentName = u"眼圧計"_s;
+    Ctx().RunMarkDefault = u"1"_s;
+    Ctx().JyusinWKPath = site.path(u"wk"_s);
+    Ctx().JyusinDataPath = site.path(u"data"_s);
     LoadBlocks({u"\x05\r"_s, u"\x04\r"_s});
     EditResult2620();
     EXPECT_TRUE(MainLog(site).contains(u"出力データなし -- 2620-0-0:"_s));

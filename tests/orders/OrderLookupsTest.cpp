@@ -74,9 +74,9 @@ TYPED_TEST(OrderLookupsTest, NotationsOf1660And1730And1650) {
     EXPECT_TRUE(tests.endsWith(u"120      "_s));
 }
 
-// The answers with an order and without one go over the line in the scenario tests; here the
-// branches they do not reach.
-TYPED_TEST(OrderLookupsTest, NotationsOf0980And1190AndTheirNoRowBranches) {
+// The answers go over the line in the scenario tests and the simulator scripts; here the
+// branches they do not reach, and the failure line of a lookup without a row.
+TYPED_TEST(OrderLookupsTest, NotationsOf0980And1190AndTheNoRowBranches) {
     OrderSite& s = this->store;
     s.order(u"20250416"_s, u"1"_s, u"0980"_s, u"1234"_s, {u"0980010"_s}, u"ｶ"_s, {},
             {{u"KANJYAID"_s, u"P9"_s}, {u"SEX"_s, u"2"_s}});
@@ -113,9 +113,15 @@ TYPED_TEST(OrderLookupsTest, NotationsOf0980And1190AndTheirNoRowBranches) {
     id = u"keep"_s;
     LookupOrder1190(u"H-1"_s, kana, tests, u"1190"_s, id, sex);
     EXPECT_EQ(kana + tests + id, u"keep"_s);
-    const QString line = u"データ取得失敗 -- Key: H-1:1190:2025-04-16 09:30:15\r\n"_s;
-    EXPECT_EQ(s.mainLog(u"2620"_s), u"【検査： 2620-0-2025-04-16 09:30:15】データ"_s + line);
-    EXPECT_EQ(Form().Txt_Log.text(), u"オーダ"_s + line);
+    tests = u"stale"_s;
+    LookupOrder1160(u"H-1"_s, u"1160"_s, tests);
+    EXPECT_EQ(tests, u""_s);
+    const auto line = [](const QString& code) {
+        return u"データ取得失敗 -- Key: H-1:"_s + code + u":2025-04-16 09:30:15\r\n"_s;
+    };
+    const QString head = u"【検査： 2620-0-2025-04-16 09:30:15】データ"_s;
+    EXPECT_EQ(s.mainLog(u"2620"_s), head + line(u"1190"_s) + head + line(u"1160"_s));
+    EXPECT_EQ(Form().Txt_Log.text(), u"オーダ"_s + line(u"1160"_s) + u"オーダ"_s + line(u"1190"_s));
 }
 
 TYPED_TEST(OrderLookupsTest, Lookup2140FoldsItemsIntoEightyEightFlags) {

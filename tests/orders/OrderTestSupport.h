@@ -7,6 +7,7 @@
 #include "common/Form.h"
 #include "common/RunContext.h"
 #include "orders/OrderSchema.h"
+#include "support/AstmInstrument.h"
 #include "support/TestSite.h"
 
 #include <gtest/gtest.h>
@@ -19,8 +20,6 @@
 #include <QVariant>
 
 #include <initializer_list>
-#include <map>
-#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -48,15 +47,13 @@ struct BackendNames {
 
 using OrderBackends = ::testing::Types<SQLiteFile, OdbcSQLite>;
 
-using Cells = std::map<QString, std::optional<QString>>;
-
 class OrderSite {
   public:
     explicit OrderSite(const char* fixedNow = "2025-04-16 09:30:15") : site(fixedNow) {
         QDir().mkpath(site.native(QStringLiteral("db")));
         Ctx().DbPath = site.path(QStringLiteral("db"));
         QString error;
-        EXPECT_TRUE(CreateOrderStore(storeFile(), &error)) << error.toStdString();
+        EXPECT_TRUE(orbline::CreateOrderStore(storeFile(), &error)) << error.toStdString();
     }
     ~OrderSite() { QSqlDatabase::removeDatabase(QString::fromUtf16(kChecker)); }
     OrderSite(const OrderSite&) = delete;
@@ -78,16 +75,7 @@ class OrderSite {
         for (qsizetype i = 0; i < tests.size(); ++i)
             cells[QStringLiteral("KENSA") + QString::number(i + 1)] = tests[i];
         for (const auto& [name, value] : extra) cells[name] = value;
-        // The row as another writer of the store would leave it; std::nullopt is NULL.
-        QStringList names;
-        for (const auto& [name, value] : cells) names.append(name);
-        QSqlQuery q(checker());
-        q.prepare(QStringLiteral("INSERT INTO T_ORDER (") + names.join(u',') +
-                  QStringLiteral(") VALUES (") +
-                  QStringList(names.size(), QStringLiteral("?")).join(u',') + u')');
-        for (const auto& [name, value] : cells)
-            q.addBindValue(value ? QVariant(*value) : QVariant(QMetaType(QMetaType::QString)));
-        EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
+        InsertOrder(checker(), cells);
     }
 
     void exec(const QString& sql) {

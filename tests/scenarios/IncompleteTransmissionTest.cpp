@@ -30,8 +30,7 @@ TEST(IncompleteTransmission, IsKeptAsideAndNeverJoinsTheNextSpecimensResult) {
                             Frame("3L|1|N<CR>") + "<EOT>");
         EXPECT_TRUE(link.waitForLog(u"受信未完了(退避) -- "_s + code, 3000));
         ASSERT_TRUE(link.waitForDeliveries(1));
-        link.requestClose();
-        EXPECT_EQ(link.finish(), 0);
+        EXPECT_EQ(link.close(), 0);
         const QStringList records = DeliveredRecords(link);
         EXPECT_EQ(records.size(), 1);
         EXPECT_EQ(records.value(0).section(u',', 3, 3), sample);

@@ -13,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTimer>
@@ -25,8 +24,6 @@ using namespace Qt::StringLiterals;
 using namespace orbline::test;
 
 namespace {
-
-const QString kStamp = u":2025-04-16 09:30:15"_s;
 
 QStringList LastLines(const QStringList& lines, qsizetype count) {
     return lines.mid(std::max<qsizetype>(0, lines.size() - count));
@@ -40,8 +37,7 @@ TEST(SessionEnds, ACloseRequestWhileConnectedStopsCleanlyAndExitsZero) {
         link.writeSettings();
         link.start();
         ASSERT_TRUE(link.waitForLog(u"受信開始(Wait)"_s)) << signal;
-        link.requestClose(signal);
-        EXPECT_EQ(link.finish(), 0) << signal;
+        EXPECT_EQ(link.close(signal), 0) << signal;
         EXPECT_EQ(LastLines(link.logMessages(), 3),
                   QStringList({u"プログラム終了(Query) -- 2620"_s + kStamp,
                                u"プログラム終了(kaijyo) -- 2620"_s + kStamp,

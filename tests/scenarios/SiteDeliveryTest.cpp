@@ -44,8 +44,7 @@ TEST(SiteDelivery, ProcessesRestartedWithinAMinuteNeverReplaceADeliveredFile) {
     for (int run = 1; run <= 2; ++run) {
         ASSERT_TRUE(StartAndSendPrintOut(link));
         ASSERT_EQ(Logged(link, u"出力完了(Write)"_s, run), run);
-        link.requestClose();
-        EXPECT_EQ(link.finish(), 0);
+        EXPECT_EQ(link.close(), 0);
     }
     // The work file takes serial 1, the first delivery 2; the second process finds 2 taken.
     EXPECT_EQ(link.deliveries(), QStringList({u"2620-TN-2025041609301600002~KVB.csv"_s,
@@ -59,8 +58,7 @@ TEST(SiteDelivery, ProcessesRestartedWithinAMinuteNeverReplaceADeliveredFile) {
         // The edit and the move take 3 to over 50 ms, as fast as the disk syncs: kills 0.5 to
         // 200 ms after the last ACK, even on a log scale, land before, in and after them.
         QThread::usleep(static_cast<unsigned long>(500.0 * std::pow(400.0, logScale(random))));
-        link.requestClose(9);  // SIGKILL
-        link.finish();
+        link.close(9);  // SIGKILL
     }
     for (const QString& name : link.deliveries())
         EXPECT_EQ(link.readDelivery(name), whole) << name.toStdString();

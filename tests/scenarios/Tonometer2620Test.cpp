@@ -1,20 +1,16 @@
 // The tonometer against the running process: blocks cut into several reads, one ACK CR after
 // each block, one delivered result file, an empty work folder and the main log in order.
 
-#include "support/LinkProcess.h"
+#include "support/AstmInstrument.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QProcess>
-#include <QThread>
 
 using namespace Qt::StringLiterals;
 using namespace orbline::test;
 
 namespace {
-
-const QString kStamp = u":2025-04-16 09:30:15"_s;
 
 struct Played {
     QStringList records;
@@ -38,8 +34,7 @@ Played PlayPrintOut(LinkProcess& link, const QString& fixture) {
     EXPECT_TRUE(link.line.line.drain(std::chrono::milliseconds(200)).empty());
     EXPECT_EQ(link.line.line.record().size(), blocks.size() * 2);
 
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
     const QStringList files = link.deliveries();
     EXPECT_EQ(files.size(), 1);
     if (!files.isEmpty())
@@ -47,13 +42,6 @@ Played PlayPrintOut(LinkProcess& link, const QString& fixture) {
     EXPECT_EQ(link.workFiles(), QStringList());
     played.log = link.logMessages();
     return played;
-}
-
-LinkProcess& Started(LinkProcess& link, const QString& extraKeys = QString()) {
-    link.writeSettings(extraKeys);
-    link.start();
-    EXPECT_TRUE(link.waitForLog(u"受信開始(Wait)"_s));
-    return link;
 }
 
 }  // namespace
@@ -97,7 +85,8 @@ TEST(Tonometer2620, EachPrintOutBecomesOneResultFileAndTheLogTellsItsDialogue) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fixture.toStdString());
         LinkProcess link;
-        const Played played = PlayPrintOut(Started(link, c.keys), c.fixture);
+        StartInstrument(link, u"2620"_s, u"TOMEY"_s, c.keys);
+        const Played played = PlayPrintOut(link, c.fixture);
         QStringList records;
         for (const QString& tail : c.tails)
             records.append(c.head + u",2620,TOMEY,000000,"_s + tail + u",MIN,,,"_s);
@@ -126,7 +115,7 @@ TEST(Tonometer2620, EachPrintOutBecomesOneResultFileAndTheLogTellsItsDialogue) {
 // however long the line stays without one, and the whole text is one block.
 TEST(Tonometer2620, ATextWithoutABlockEndGrowsUntilOneComesAndIsOneBlock) {
     LinkProcess link;
-    Started(link);
+    StartInstrument(link, u"2620"_s, u"TOMEY"_s);
     auto& line = link.line.line;
     line.setRate(115200);
     // A CR with the ETX in the middle of the text is no block end: no reply.
@@ -139,8 +128,7 @@ TEST(Tonometer2620, ATextWithoutABlockEndGrowsUntilOneComesAndIsOneBlock) {
     ASSERT_TRUE(line.send(Notation("<EOT><CR>")));
     EXPECT_EQ(line.receive(2, std::chrono::seconds(5)), Notation("<ACK><CR>"));
     EXPECT_TRUE(link.waitForLog(u"出力データなし"_s));
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
 
     QFile block(link.native(u"c2620/c2620_0002.txt"_s));
     ASSERT_TRUE(block.open(QIODevice::ReadOnly));

@@ -81,7 +81,6 @@ TEST_F(AwCommOnPty, OpensEveryFormatTheDeviceCanDoAndRefusesTheRest) {
         std::string refused;
     };
     const Format formats[] = {
-        {9600, 8, 0, 0, 0, ""},
         {7200, 7, 2, 0, 0, ""},
         {14400, 8, 1, 2, 2, ""},
         {115200, 7, 3, 0, 0, ""},

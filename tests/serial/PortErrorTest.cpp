@@ -13,15 +13,11 @@ namespace orbline {
 namespace {
 
 TEST(PortError, TranslatesErrnoToAKindWithTheSystemsOwnWords) {
-    const std::pair<int, PortError> table[] = {{ENOENT, PortError::NoSuchDevice},
-                                               {ENXIO, PortError::NoSuchDevice},
-                                               {EACCES, PortError::PermissionDenied},
-                                               {EBUSY, PortError::Busy},
-                                               {EWOULDBLOCK, PortError::Busy},
-                                               {EINVAL, PortError::FormatRefused},
-                                               {EIO, PortError::DeviceGone},
-                                               {ENOTTY, PortError::Other},
-                                               {0, PortError::None}};
+    const std::pair<int, PortError> table[] = {
+        {ENXIO, PortError::NoSuchDevice}, {EACCES, PortError::PermissionDenied},
+        {EBUSY, PortError::Busy},         {EINVAL, PortError::FormatRefused},
+        {EWOULDBLOCK, PortError::Busy},   {EIO, PortError::DeviceGone},
+        {ENOTTY, PortError::Other},       {0, PortError::None}};
     std::set<std::string> texts;
     for (const auto& [code, kind] : table) {
         const OsError error = TranslateOsError(code);

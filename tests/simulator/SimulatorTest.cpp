@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <chrono>
@@ -11,20 +10,13 @@
 
 #include "SimScript.h"
 #include "serial/AwComm.h"
-#include "support/LineHarness.h"
+#include "support/AstmInstrument.h"
 
 namespace orbline::sim {
 namespace {
 
 using namespace std::chrono_literals;
 using test::Notation;
-
-Bytes FixtureBytes(const char* name) {
-    QFile file(QStringLiteral(ORBLINE_FIXTURES_DIR "/") + QString::fromLatin1(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-    const QByteArray bytes = file.readAll();
-    return Bytes(bytes.begin(), bytes.end());
-}
 
 // The checksum of <SUM> is left to the scenarios: every frame they send is built with it.
 TEST(ByteNotation, NamesHexAndTheirErrors) {
@@ -102,7 +94,7 @@ TEST(SimScript, PlaysACaptureFrameByFrameAndRepeatsARefusedFrame) {
     EXPECT_TRUE(passed) << log.str();
     EXPECT_NE(log.str().find("< <NAK>"), std::string::npos);
     // The refused frame came twice; apart from that the bytes are the capture's.
-    Bytes expected = FixtureBytes("captures/cobas-e411-query.bin");
+    Bytes expected = Notation(test::Capture("cobas-e411-query.bin"));
     const Bytes firstFrame = CutIntoFrames(expected)[1];
     expected.insert(expected.begin() + 1, firstFrame.begin(), firstFrame.end());
     EXPECT_EQ(received, expected);

@@ -82,19 +82,21 @@ void CreateOrderStore(LinkProcess& link) {
 }
 
 void StoreOrder(LinkProcess& link, const QStringList& columnsAndValues) {
-    QStringList columns{u"KENSAYMD"_s, u"RENBAN"_s};
-    QVariantList values{u"20250416"_s, u"1"_s};
-    for (qsizetype i = 0; i + 1 < columnsAndValues.size(); i += 2) {
-        columns.append(columnsAndValues.at(i));
-        values.append(columnsAndValues.at(i + 1));
-    }
-    WithStore(link, [&](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        q.prepare(u"INSERT INTO T_ORDER ("_s + columns.join(u',') + u") VALUES ("_s +
-                  QStringList(columns.size(), u"?"_s).join(u',') + u")"_s);
-        for (const QVariant& v : values) q.addBindValue(v);
-        EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
-    });
+    Cells cells{{u"KENSAYMD"_s, u"20250416"_s}, {u"RENBAN"_s, u"1"_s}};
+    for (qsizetype i = 0; i + 1 < columnsAndValues.size(); i += 2)
+        cells[columnsAndValues.at(i)] = columnsAndValues.at(i + 1);
+    WithStore(link, [&](QSqlDatabase& db) { InsertOrder(db, cells); });
+}
+
+void InsertOrder(const QSqlDatabase& db, const Cells& cells) {
+    QStringList names;
+    for (const auto& [name, value] : cells) names.append(name);
+    QSqlQuery q(db);
+    q.prepare(u"INSERT INTO T_ORDER ("_s + names.join(u',') + u") VALUES ("_s +
+              QStringList(names.size(), u"?"_s).join(u',') + u')');
+    for (const auto& [name, value] : cells)
+        q.addBindValue(value ? QVariant(*value) : QVariant(QMetaType(QMetaType::QString)));
+    EXPECT_TRUE(q.exec()) << q.lastError().text().toStdString();
 }
 
 QString OrderFolderKeys(LinkProcess& link) {

@@ -6,10 +6,13 @@
 #include "support/Frames.h"
 #include "support/LinkProcess.h"
 
+#include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
 
 #include <chrono>
+#include <map>
+#include <optional>
 #include <string>
 
 namespace orbline::test {
@@ -34,6 +37,10 @@ std::string Drained(LinkProcess& link, std::chrono::milliseconds within);
 void CreateOrderStore(LinkProcess& link);
 // The store, made when missing, with one row of today: columns and values in pairs.
 void StoreOrder(LinkProcess& link, const QStringList& columnsAndValues);
+// One row into T_ORDER of an open store, as another writer of the store would leave it: the
+// columns and their values, std::nullopt for NULL.
+using Cells = std::map<QString, std::optional<QString>>;
+void InsertOrder(const QSqlDatabase& db, const Cells& cells);
 // Settings keys that make the dialogue look into the site's folders "orders" (OrderPath) and
 // "orders2" (OrderPath2), made here.
 QString OrderFolderKeys(LinkProcess& link);

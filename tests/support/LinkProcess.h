@@ -12,6 +12,9 @@
 
 namespace orbline::test {
 
+// The end of a log line under the fixed clock that start() gives the process.
+inline const QString kStamp = QStringLiteral(":2025-04-16 09:30:15");
+
 class LinkProcess {
   public:
     LinkProcess();
@@ -37,6 +40,11 @@ class LinkProcess {
     void requestClose(int signal = 15);
     // The exit status, or -1 when the process did not end in time or crashed.
     int finish(int milliseconds = 10000);
+    // requestClose, then finish: 0 for a clean end.
+    int close(int signal = 15) {
+        requestClose(signal);
+        return finish();
+    }
 
     // The messages of the main log, each without its "【...】" head, in order.
     QStringList logMessages() const;

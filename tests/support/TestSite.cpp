@@ -35,9 +35,7 @@ TestSite::~TestSite() {
 }
 
 QString TestSite::path(const QString& relative) const {
-    QString rel = relative;
-    rel.replace(u'/', u'\\');
-    return appPath_ + u"\\"_s + rel;
+    return appPath_ + u"\\"_s + QString(relative).replace(u'/', u'\\');
 }
 
 QString TestSite::native(const QString& relative) const {

@@ -2,12 +2,11 @@
 #include "common/AnsiCodec.h"
 #include "common/Form.h"
 #include "common/RunContext.h"
+#include "support/LinkProcess.h"
 #include "support/TestSite.h"
 #include "tables/MdlOption.h"
 
 #include <gtest/gtest.h>
-
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -112,9 +111,8 @@ TEST(KensaKomoku2990, MissingFileOrSiteFileWithCommentsAndJapaneseNames) {
     EXPECT_EQ(table.get(1, 1), QString());
     logs(u"検査項目データなし -- "_s);
 
-    QFile fixture(QStringLiteral(ORBLINE_FIXTURES_DIR "/tables/KV_KENSAKOMOKU2990.DAT"));
-    ASSERT_TRUE(fixture.open(QIODevice::ReadOnly));
-    site.writeFile(u"KV_KENSAKOMOKU2990.DAT"_s, fixture.readAll());
+    site.writeFile(u"KV_KENSAKOMOKU2990.DAT"_s,
+                   test::ReadFixture(u"tables/KV_KENSAKOMOKU2990.DAT"_s));
     LoadKensaKomoku2990();
     // Two comment lines take no row; the blank line (row 3) does.
     EXPECT_EQ(Ctx().KensaKomokuCount2990, 5);
