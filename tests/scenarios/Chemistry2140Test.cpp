@@ -68,8 +68,7 @@ TEST(Chemistry2140, PollsMessagesAndABadFrame) {
     EXPECT_EQ(Received(link, 3), kPositive);
     ASSERT_TRUE(link.waitForDeliveries(2));
     EXPECT_EQ(Drained(link, 600ms), "");
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
 
     // Every row of a message takes the identifier, date and time of its last frame.
     const QString first = u"20200417,113000,0,12345,2140,BM-2140,000000,"_s;
@@ -124,8 +123,7 @@ TEST(Chemistry2140, InquiriesAnsweredFromTheOrderStore) {
     };
     for (const auto& [sent, expected] : exchanges) Exchange(link, sent, expected);
     EXPECT_EQ(Drained(link, 600ms), "");
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
 
     const QStringList log = link.logMessages();
     EXPECT_EQ(Logged(log, u"オーダデータ受信(SPE) -- 2140-"_s), 4);
@@ -162,8 +160,7 @@ TEST(Chemistry2990, EveryFrameAcknowledgedAndItemsNamedThroughItsTable) {
         };
         for (const auto& [sent, expected] : exchanges) Exchange(link, sent, expected);
         ASSERT_TRUE(link.waitForDeliveries(1));
-        link.requestClose();
-        EXPECT_EQ(link.finish(), 0);
+        EXPECT_EQ(link.close(), 0);
 
         EXPECT_EQ(RecordFields(DeliveredRecords(link), {3, 7, 8, 13}),
                   QStringList({u"42,"_s + names[0] + u",6.5"_s, u"42,"_s + names[1] + u",180"_s,

@@ -100,8 +100,7 @@ TEST(Glucose0990, RefusalsDeliveryTogetherAndABrokenOffTransmission) {
         Exchange(link, frame, ok);
     expected.append({Record(u"222"_s, {}, u"100"_s)});
     ASSERT_TRUE(link.waitForDeliveries(static_cast<int>(expected.size())));
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
 
     QList<QStringList> files;
     QStringList names = link.deliveries();

@@ -59,8 +59,7 @@ TEST(Urine0855, ReportsOfEachModelAndOfAnUnknownOne) {
         log.append(u"出力完了(Write) -- 0855-"_s + logged + stamp);
     }
     EXPECT_EQ(Drained(link, 300ms), "");
-    link.requestClose();
-    EXPECT_EQ(link.finish(), 0);
+    EXPECT_EQ(link.close(), 0);
     // Between the three lines of the start and the three of the close, the edits' lines alone.
     const QStringList messages = link.logMessages();
     EXPECT_EQ(messages.mid(3, messages.size() - 6), log);
