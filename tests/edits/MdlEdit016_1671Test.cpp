@@ -3,6 +3,7 @@
 
 #include "common/AnsiCodec.h"
 #include "common/RunContext.h"
+#include "common/RuntimeError.h"
 #include "edits/MdlEdit016.h"
 #include "support/TestSite.h"
 
