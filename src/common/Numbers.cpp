@@ -4,6 +4,7 @@
 #include "common/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -327,6 +328,14 @@ double RoundDigits(double value, std::int16_t digits) {
     const double rounded =
         value < 0 ? std::trunc(scaled - 0.5) / factor : std::floor(scaled + 0.5) / factor;
     return rounded + 0.0;  // -0.0 becomes 0.0
+}
+
+QString SingleText(float value) {
+    std::array<char, 64> buffer{};  // the longest fixed text of a float is 48 characters
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                                            value + 0.0f, std::chars_format::fixed);
+    if (error != std::errc()) return {};
+    return QString::fromLatin1(buffer.data(), end - buffer.data());
 }
 
 std::int16_t DecimalPointPos(const QString& text) {

@@ -31,6 +31,9 @@ QString FormatNumber(const QString& text, const QString& mask);
 
 // Half away from zero at digits decimals, in double arithmetic (see the note in the source).
 double RoundDigits(double value, std::int16_t digits);
+// The shortest decimal text that reads back as the same single-precision number, never with an
+// exponent: 0.5f is "0.5", -0.1f is "-0.1", 200.0f is "200". Minus zero is "0".
+QString SingleText(float value);
 // Position (from 1) of the first ".", or 0 if there is none or it is the last character.
 std::int16_t DecimalPointPos(const QString& text);
 // A mask of the given length with the point at pointPos: "." there, "0" behind it and just in

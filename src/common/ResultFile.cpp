@@ -96,18 +96,37 @@ void MoveIntoDelivery(const QString& workPath, FailedMove failedMove, QString* d
     LogEvent(u"出力完了(Write) -- "_s, u"出力完了(Write) -- "_s, LogForm::Full);
 }
 
-}  // namespace
-
-bool MoveToDeliveryName(const QString& workPath, QString* deliveredPath) {
+// The move under the names nextName gives, until one is free.
+template <typename NextName>
+bool MoveToFreeName(const QString& workPath, NextName nextName, QString* movedPath) {
     QString target;
     MoveResult moved = MoveResult::TargetExists;
     for (int tries = 0; tries < kDeliveryNameTries && moved == MoveResult::TargetExists; ++tries) {
-        MakeDeliveryName(Ctx().JyusinDataPath, target);
+        target = nextName();
         moved = MoveFileDurable(workPath, target);
     }
     if (moved != MoveResult::Moved) return false;
-    if (deliveredPath != nullptr) *deliveredPath = target;
+    if (movedPath != nullptr) *movedPath = target;
     return true;
+}
+
+}  // namespace
+
+bool MoveToDeliveryName(const QString& workPath, QString* deliveredPath) {
+    return MoveToFreeName(
+        workPath,
+        [] {
+            QString target;
+            MakeDeliveryName(Ctx().JyusinDataPath, target);
+            return target;
+        },
+        deliveredPath);
+}
+
+bool MoveToOutNameEx(const QString& workPath, const QString& folder, const QString& prefix,
+                     QString* movedPath) {
+    return MoveToFreeName(
+        workPath, [&] { return NextOutName(folder, prefix); }, movedPath);
 }
 
 Delivery DeliverWorkFile(const QString& workPath, FailedMove failedMove, QString* deliveredPath) {

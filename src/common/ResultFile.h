@@ -54,6 +54,12 @@ void MakeDeliveryName(const QString& folder, QString& path);
 // 3 "*uke.txt") has a name of more than one character, else 0.
 std::int16_t HasFiles(std::int16_t kind, const QString& folder);
 
+// A file that a result record points to (a chart), closed in the work folder, moved into folder
+// under the name MakeOutFileEx gives for the prefix or, where that is taken, the next free one:
+// a file there is never replaced. False when the move fails; the work file then stays.
+bool MoveToOutNameEx(const QString& workPath, const QString& folder, const QString& prefix,
+                     QString* movedPath);
+
 enum class Delivery { Delivered, Empty };
 // What a move into the delivery folder that fails does: an edit with an error exit ends there;
 // an edit that passes its errors over goes on to the log pair as if the move had been made.

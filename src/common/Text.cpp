@@ -103,13 +103,14 @@ QStringList SplitLines(const QString& text, LineEnds rule) {
     bool open = false;  // whether characters (or an empty line) are pending
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];
-        const bool isCr = c == u'\r';
-        const bool isLf = c == u'\n';
-        if (isCr || (isLf && rule == LineEnds::CrLfOrCrOrLf)) {
+        const bool isCrLf = c == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
+        const bool endsLine = isCrLf || (c == u'\r' && rule != LineEnds::CrLfOrLf) ||
+                              (c == u'\n' && rule != LineEnds::CrOrCrLf);
+        if (endsLine) {
             lines.append(current);
             current.clear();
             open = false;
-            if (isCr && i + 1 < text.size() && text[i + 1] == u'\n') ++i;
+            if (isCrLf) ++i;
             continue;
         }
         current.append(c);

@@ -45,6 +45,7 @@ QString CheckedField(const QStringList& fields, qsizetype index);
 enum class LineEnds {
     CrLfOrCrOrLf,  // a line ends at CR LF, at CR or at LF
     CrOrCrLf,      // a line ends at CR or CR LF; a lone LF is part of the line
+    CrLfOrLf,      // a line ends at CR LF or at LF; a lone CR is part of the line
 };
 // A final line end does not start another line: "a\r\n" is one line, "a\r\n\r\n" two.
 QStringList SplitLines(const QString& text, LineEnds rule);

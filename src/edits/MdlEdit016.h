@@ -1,7 +1,7 @@
 #pragma once
-// Result edits of the coagulation analyser 1650 and of the cobas-family instruments 1660 and
-// 1730. The parses and the result lines are pure; the EditResult steps add the piece files or
-// the receive buffer, the result file and the logs.
+// Result edits of the coagulation analyser 1650, of the cobas-family instruments 1660 and 1730,
+// and of the tympanometer 1671. The parses, the result lines and the charts are pure; the
+// EditResult steps add the piece files or the receive buffer, the result file and the logs.
 
 #include "edits/EditSettings.h"
 
@@ -112,6 +112,40 @@ enum class Call1671 {
     BothEars,  // two "J" lines, the right and the left ear of one test
     Reflex,    // a batch of reflex lines, every line to the end of the list
 };
+
+// 1671. Chart lines carry no line end; files hold them with CR LF.
+
+// The pressure table of a "J" line: rows 0 to PressureRowCount, falling from 200 by the step.
+// The last row is the free one: empty, or the -200 row that closes a 269 or 270 point test.
+struct PressureRow1671 {
+    QString pressure;
+    QString compliance;
+    bool operator==(const PressureRow1671&) const = default;
+};
+struct PressureTable1671 {
+    std::vector<PressureRow1671> rows;
+    int PressureRowCount = 0;
+};
+// Throws RuntimeError on a sample or a point count that is no number, and past 1001 rows.
+PressureTable1671 ReadPressureTable1671(const QString& line);
+// The number of points of a "J" line; throws RuntimeError when it is no number.
+int PointCount1671(const QString& line);
+
+// The chart of a single ear, with its value column (right or left) filled.
+QStringList SingleEarChart1671(const QString& line);
+// The ear file of one line of a pair: its own value column only, no empty row.
+QStringList EarFile1671(const QString& line);
+// Both ears from the texts of their ear files (lines ending in CR LF or in LF), by rising
+// pressure, ended by the 200 row (the 400 row past 300 points and 200 daPa).
+QStringList MergedChart1671(const QString& rightText, const QString& leftText, int points);
+// The reflex chart of a batch of "M" lines.
+QStringList ReflexChart1671(const QStringList& lines, const QString& sampleId);
+
+// The error line (without its line end) of a call whose first line, or whose pair of dates,
+// can't be taken; nothing for a call that makes a chart.
+std::optional<QString> RejectedLine1671(const QStringList& lines, Call1671 call,
+                                        const EditSettings& settings);
+
 // Writes the chart into JyusinDataPath2 and the result file that points to it, for the
 // repaired lines of one call (each ending in ETX). A first line that is empty, or marked with
 // neither "J" nor "M", gives its error line in the result file instead; so does a pair of two

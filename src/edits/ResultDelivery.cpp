@@ -31,8 +31,13 @@ void BuildAndDeliver(const std::function<QString(bool* lineBuilt)>& buildLines,
 }
 
 void WriteAndDeliverOrThrow(const QString& lines) {
+    WriteAndDeliverOrThrow([&](const QString&) { return lines; });
+}
+
+void WriteAndDeliverOrThrow(const std::function<QString(const QString& workPath)>& buildLines) {
     QString workPath;
     MakeOutFile(Ctx().JyusinWKPath, workPath);
+    const QString lines = buildLines(workPath);
     if (!WriteNewText(workPath, lines)) throw RuntimeError(errors::PathNotFound());
     DeliverWorkFile(workPath, FailedMove::Throws);
 }

@@ -26,5 +26,8 @@ void BuildAndDeliver(const std::function<QString(bool* lineBuilt)>& buildLines,
 // The result lines into a new work file and on to the delivery folder, an empty file deleted
 // there. Throws RuntimeError at the first step that fails; a failed move leaves the work file.
 void WriteAndDeliverOrThrow(const QString& lines);
+// The same, with the lines built once the work file has its name: a file the lines point to
+// (a chart) takes its serial after the work file's, and is complete before they are delivered.
+void WriteAndDeliverOrThrow(const std::function<QString(const QString& workPath)>& buildLines);
 
 }  // namespace orbline
