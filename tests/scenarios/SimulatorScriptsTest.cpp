@@ -30,6 +30,7 @@ TEST(SimulatorScripts, EachScriptPlaysItsInstrumentAgainstTheProcess) {
         {u"chemistry-2140.sim"_s, u"2140"_s, u"BM-2140"_s, 3},
         {u"chemistry-2990.sim"_s, u"2990"_s, u"BM-2990"_s, 3},
         {u"urine-0855.sim"_s, u"0855"_s, u"UA"_s, 8},
+        {u"tympanometer-1671.sim"_s, u"1671"_s, u"TYMP"_s, 1},
         {u"glucose-0990.sim"_s, u"0990"_s, u"GM"_s, 2},
     };
     for (const Case& c : cases) {

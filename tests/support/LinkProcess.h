@@ -22,9 +22,9 @@ class LinkProcess {
     LinkProcess(const LinkProcess&) = delete;
     LinkProcess& operator=(const LinkProcess&) = delete;
 
-    // The settings file: section User with the work folder "wk" and the delivery folder
-    // "data", section TNMC with the instrument's name, a line format, the device of `line` and
-    // the extra keys ("Key=value" lines).
+    // The settings file: section User with the work folder "wk", the delivery folder "data"
+    // and the chart folder "chart", section TNMC with the instrument's name, a line format, the
+    // device of `line` and the extra keys ("Key=value" lines).
     void writeSettings(const QString& extraKeys = QString(), const QString& device = QString());
     // Starts kv_orbline with "code=0=TN=site" and a fixed clock.
     void start(const QString& code = QStringLiteral("2620"));
