@@ -49,8 +49,7 @@ QStringList ExpectLines(const Cases& cases, const ChemistryParams& params) {
 
 }  // namespace
 
-// The built-in option rows order 生食 (46) as 2140290; the result list has it at 2140280. The
-// 2990 file has the number in column 1, not column 0; of two rows with one number the first wins.
+// The built-in option rows order 生食 (46) as 2140290; the result list has it at 2140280.
 TEST(ResultLinesChemistry, ValuesMarksNamesAndCodes) {
     TestSite site;
     LoadOption2140();
@@ -64,15 +63,6 @@ TEST(ResultLinesChemistry, ValuesMarksNamesAndCodes) {
              {ItemGroup("99", ">9"), u"99未登録,99未登録,,,,,＞9,,MIN,,,"_s}},
             {{c.OptionTable2140, c.OptionCount2140, 0, 1}, u"2140"_s}),
         QStringList{u"99"_s});
-
-    site.writeFile(u"KV_KENSAKOMOKU2990.DAT"_s,
-                   EncodeAnsi(u"5,1,TP\r\n,1,ALB\r\n3,2,XYZ\r\n,3,生食\r\n"_s));
-    LoadKensaKomoku2990();
-    ExpectLines({{ItemGroup("1", "1"), u"2990010,TP,,,,,1,,MIN,,,"_s},
-                 {ItemGroup("2", "1"), u"XYZ,XYZ,,,,,1,,MIN,,,"_s},
-                 {ItemGroup("3", "1"), u"2990280,生食,,,,,1,,MIN,,,"_s},
-                 {ItemGroup("5", "1"), u"5未登録,5未登録,,,,,1,,MIN,,,"_s}},
-                {{c.KensaKomokuTable2990, c.KensaKomokuCount2990, 1, 2}, u"2990"_s});
 }
 
 // Every frame replaces the identifier, date and time; a fixed number replaces any identifier.
