@@ -1,11 +1,11 @@
 // From the instrument's last byte to the delivered result file: 50 result messages of one
 // instrument through the running process over a pseudo-terminal. The host waits after the
-// first byte of a read for the rest of it (100 ms for 0980, 10 ms for 1660), so that much
-// latency is the protocol's own.
+// first byte of a read for the rest of it (100 ms for 0980, 10 ms for 1660, a whole second for
+// the chemistry analyser 2140), so that much latency is the protocol's own.
 //
 // Aim: the median and the worst within 30 ms of that wait.
 //
-// Run: build/bench/bench_result_latency [messages] [0980|1660]
+// Run: build/bench/bench_result_latency [messages] [0980|1660|2140]
 
 #include "common/AnsiCodec.h"
 
@@ -62,6 +62,13 @@ std::vector<Bytes> Message1660(int sample) {
         Frame("3L|1|N<CR>"), Parsed("<EOT>")};
 }
 
+// One frame, the last of its message: one item group.
+std::vector<Bytes> Message2140(int sample) {
+    const std::string id = std::to_string(sample);
+    return {Parsed("<STX>:0100001N001 " + id + std::string(13 - id.size(), ' ') +
+                   "000000416250925000000  1  1   6.5 <ETX>")};
+}
+
 struct Instrument {
     const char* code;
     const char* name;
@@ -72,6 +79,7 @@ struct Instrument {
 constexpr Instrument kInstruments[] = {
     {"0980", "HLC", 100, &Message0980},
     {"1660", "COBAS", 10, &Message1660},
+    {"2140", "BM", 1000, &Message2140},
 };
 
 qsizetype Deliveries(const QString& folder) {
@@ -96,7 +104,8 @@ int main(int argc, char** argv) {
     const auto known = std::find_if(std::begin(kInstruments), std::end(kInstruments),
                                     [&](const Instrument& i) { return i.code == code; });
     if (known == std::end(kInstruments)) {
-        std::fprintf(stderr, "instrument %s has no message here (0980, 1660)\n", code.c_str());
+        std::fprintf(stderr, "instrument %s has no message here (0980, 1660, 2140)\n",
+                     code.c_str());
         return 2;
     }
     const Instrument& instrument = *known;
