@@ -113,7 +113,7 @@ TEST(Chart1671, ReflexGroupsPassedOverAndAVolumeThatIsNoNumber) {
 
 TEST(Lines1671, ErrorLinesOfNoLinesAndOfTwoDates) {
     const EditSettings settings{u"1671"_s, u"TYMP"_s, u"1"_s, {}, u"0"_s};
-    const std::tuple<QStringList, QString> cases[] = {
+    const std::pair<QStringList, QString> cases[] = {
         {{}, u"ERROR:受信データなし。"_s},
         {{kRight, J(u"2715000"_s, {}, u"250417"_s)},
          u"ERROR:検査日が左右で違います。　250416-250417"_s},
