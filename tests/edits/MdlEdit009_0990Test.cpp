@@ -36,12 +36,8 @@ TEST(Edit0990DeathTest, AFailedWorkFileDeliversNone) {
     std::tie(c.InstrumentCode, c.IniPrefix) = std::pair(u"0990"_s, u"TN"_s);
     std::tie(c.JyusinWKPath, c.JyusinDataPath) =
         std::pair(site.path(u"wk"_s), site.path(u"data"_s));
-    site.writeFile(u"c990/c990_0001.txt"_s, QByteArray("\x02"
-                                                       "D1WBD|BGD= 100A7\x03\r\n")
-                                                .repeated(4));
-    site.writeFile(u"c990/c990_0002.txt"_s,
-                   "\x02\x04"
-                   "1C9\x03\r\n");
+    site.writeFile(u"c990/c990_0001.txt"_s, QByteArray("\002D1WBD|BGD= 100A7\003\r\n").repeated(4));
+    site.writeFile(u"c990/c990_0002.txt"_s, "\002\0041C9\003\r\n");
     // The third work file's name is taken by a folder.
     ASSERT_TRUE(QDir().mkpath(site.native(u"wk/0990-TN-2025041609301600003~KVB.csv"_s)));
     std::int16_t count = 2;

@@ -1,5 +1,5 @@
-// Result edit 1671: the charts from literal lines, against the hand-worked charts of
-// fixtures/tympanometer (whose README shows the working), the error lines and the files.
+// Result edit 1671 where the scenario's hand-worked charts don't reach: the pressure table, the
+// right ear alone, the merge and the reflex rows from literal lines, the error lines, the files.
 
 #include "common/AnsiCodec.h"
 #include "common/RunContext.h"
@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -23,12 +22,11 @@ QStringList L(const QString& text) {
     return text.isEmpty() ? QStringList() : text.split(u'|');
 }
 
-// A "J" line: marker at 3, identifier at 5, date at 18, points + 1 at 27, step at 30, ear at
-// 34, PVT at 68; then S.C., PEAK, GRAD and the samples; the ETX.
-QString J(const QString& ear, const QString& points, const QString& step, const QString& pvt,
-          const QString& fields, const QString& date = u"250416"_s) {
-    return u"01J 0000004711xxx"_s + date + u"xxx"_s + points + step + ear + QString(33, u'x') +
-           pvt + u","_s + fields + u"\x03"_s;
+// A right "J" line: date at 18, points + 1 and step at 27, PVT at 68; then S.C., PEAK, GRAD,
+// the samples and the ETX.
+QString J(const QString& head, const QString& fields, const QString& date = u"250416"_s) {
+    return u"01J 0000004711xxx"_s + date + u"xxx"_s + head + u"R"_s + QString(33, u'x') + fields +
+           u"\x03"_s;
 }
 
 // An "M" line: time change at 30, ear at 34, pressure at 35, volume at 71; three fields not
@@ -38,31 +36,14 @@ QString M(const QString& ear, const QString& volume, const QString& groups) {
            u",x,y,z,"_s + groups + u",\x03"_s;
 }
 
-const QString kLeft =
-    J(u"L"_s, u"271"_s, u"5000"_s, u"0850"_s, u" 1250,-15,120,1200,,/12,1350,600,1101"_s);
-const QString kRight =
-    J(u"R"_s, u"271"_s, u"5000"_s, u"0850"_s, u"1250,-15,120,1200,1350,1101,950,900"_s);
-const QString kLeftOfPair =
-    J(u"L"_s, u"403"_s, u"7500"_s, u"1000"_s, u"----,-20,95,1400,1300,1200,750"_s);
-const QStringList kReflex{M(u"R"_s, u"0850"_s, u"3120125,412,4110250"_s),
-                          M(u"L"_s, u"1000"_s, u"5231200,62102/-"_s)};
-
-QStringList Fixture(const QString& name) {
-    QFile file(QStringLiteral(ORBLINE_FIXTURES_DIR "/tympanometer/") + name);
-    return file.open(QIODevice::ReadOnly) ? DecodeAnsi(file.readAll()).split(u"\r\n"_s)
-                                          : QStringList();
-}
+const QString kRight = J(u"2715000"_s, u"0850,1250,-15,120,1200"_s);
 
 void Configure(const TestSite& site) {
     RunContext& c = Ctx();
-    c.InstrumentCode = u"1671"_s;
-    c.IniPrefix = u"KV"_s;
-    c.InstrumentName = u"TYMP"_s;
-    c.CrpName = u"REFLEX"_s;
-    c.RunMarkDefault = u"1"_s;
-    c.JyusinWKPath = site.path(u"wk"_s);
-    c.JyusinDataPath = site.path(u"data"_s);
-    c.JyusinDataPath2 = site.path(u"chart"_s);
+    std::tie(c.InstrumentCode, c.IniPrefix, c.InstrumentName, c.CrpName, c.RunMarkDefault) =
+        std::tuple(u"1671"_s, u"KV"_s, u"TYMP"_s, u"REFLEX"_s, u"1"_s);
+    std::tie(c.JyusinWKPath, c.JyusinDataPath, c.JyusinDataPath2) =
+        std::tuple(site.path(u"wk"_s), site.path(u"data"_s), site.path(u"chart"_s));
 }
 
 }  // namespace
@@ -70,39 +51,34 @@ void Configure(const TestSite& site) {
 // Rows fall from 200 by the step (1.5 when blank); the free row is empty, or the -200 row of a
 // 269 or 270 point test that ends above -200, which PressureRowCount doesn't count.
 TEST(PressureTable1671, StepsAndTheFreeRow) {
-    const std::tuple<QString, QString, QString, QString, int> cases[] = {
-        {u"271"_s, u"    "_s, u"1000|1000|1100"_s, u"200=0.15|198.5=0.15|197=0.25|-200=0.25"_s, 3},
-        {u"270"_s, u"0133"_s, u"850|/|849"_s, u"200=0|198.67=-0.001|-200=-0.001"_s, 2},
-        {u"269"_s, u"5000"_s, u"900"_s, u"200=0.05|="_s, 1},
-        {u"271"_s, u"8000"_s, u"1|2|3|4|5|6"_s,
+    const std::tuple<QString, QString, QString, int> cases[] = {
+        {u"271    "_s, u"1000|1000|1100"_s, u"200=0.15|198.5=0.15|197=0.25|-200=0.25"_s, 3},
+        {u"2700133"_s, u"850|/|849"_s, u"200=0|198.67=-0.001|-200=-0.001"_s, 2},
+        {u"2695000"_s, u"900"_s, u"200=0.05|="_s, 1},
+        {u"2718000"_s, u"1|2|3|4|5|6"_s,
          u"200=-0.849|120=-0.848|40=-0.847|-40=-0.846|-120=-0.845|-200=-0.844|="_s, 6},
-        {u"271"_s, u"5000"_s, u""_s, u"="_s, 0},
+        {u"2715000"_s, u""_s, u"="_s, 0},
     };
-    for (const auto& [points, step, samples, rows, count] : cases) {
-        const PressureTable1671 table = ReadPressureTable1671(
-            J(u"R"_s, points, step, u"0850"_s, u"1,2,3,"_s + L(samples).join(u',')));
+    for (const auto& [head, samples, rows, count] : cases) {
+        const PressureTable1671 table =
+            ReadPressureTable1671(J(head, u"0850,1,2,3,"_s + L(samples).join(u',')));
         QStringList read;
         for (const PressureRow1671& row : table.rows)
             read << row.pressure + u"="_s + row.compliance;
-        EXPECT_EQ(read, L(rows)) << step.toStdString();
-        EXPECT_EQ(table.PressureRowCount, count) << step.toStdString();
+        EXPECT_EQ(read, L(rows)) << head.toStdString();
+        EXPECT_EQ(table.PressureRowCount, count) << head.toStdString();
     }
     for (const QString& line :
-         {J(u"R"_s, u"271"_s, u"5000"_s, u"0850"_s, u"1,2,3,12a"_s),
-          J(u"R"_s, u"2x1"_s, u"5000"_s, u"0850"_s, u"1,2,3,900"_s),
-          J(u"R"_s, u"271"_s, u"0001"_s, u"0850"_s, u"1,2,3"_s + u",900"_s.repeated(1001))})
+         {J(u"2715000"_s, u"0850,1,2,3,12a"_s), J(u"2x15000"_s, u"0850,1,2,3,900"_s),
+          J(u"2710001"_s, u"0850,1,2,3"_s + u",900"_s.repeated(1001))})
         EXPECT_THROW(ReadPressureTable1671(line), RuntimeError);
 }
 
-// The right ear alone (the left is a fixture), and the texts of its ear file.
-TEST(Chart1671, RightEarColumnsAndEarFileTexts) {
-    const QString line = J(u"R"_s, u"100"_s, u"5000"_s, u"abcd"_s, u"--,7,8,1000"_s);
-    EXPECT_EQ(SingleEarChart1671(line),
+// The right ear alone (the left is in the scenario); a PVT that is no number counts as 0.
+TEST(Chart1671, RightEarAlone) {
+    EXPECT_EQ(SingleEarChart1671(J(u"1005000"_s, u"abcd,--,7,8,1000"_s)),
               L(u"RS-M1,0.00,|TYMPANOMETRY,,|,RIGHT,|PVT.,0,,[mL]|S.C.,,[mL]|PEAK.,7,,[daPa]|"
                 u"GRAD.,8,[daPa]|PRES ,COMPLIANCE[ml],|[daPa], RIGHT ,,|,,,|200,1,,"_s));
-    EXPECT_EQ(EarFile1671(line).mid(2),
-              L(u", RIGHT,|PVT.,0,[mL]|S.C.,,[mL]|PEAK.,7,[daPa]|GRAD.,8,[daPa]|"
-                u"PRES ,COMPLIANCE[ml],|[daPa], RIGHT ,,|200,1,"_s));
 }
 
 // Lines end in LF or CR LF, and a CR alone stays in its line; the floor -0.1; pressures as
@@ -135,73 +111,36 @@ TEST(Chart1671, ReflexGroupsPassedOverAndAVolumeThatIsNoNumber) {
                 u"KVB-0500-X-START|0004,3110100,3,1,1,0100,0.1,-0.75|KVB-0500-X-END"_s));
 }
 
-TEST(Lines1671, ErrorLinesForEveryKindOfCall) {
+TEST(Lines1671, ErrorLinesOfNoLinesAndOfTwoDates) {
     const EditSettings settings{u"1671"_s, u"TYMP"_s, u"1"_s, {}, u"0"_s};
-    const QString other = J(u"R"_s, u"271"_s, u"5000"_s, u"0850"_s, {}, u"250417"_s);
-    const std::tuple<QStringList, Call1671, QString> cases[] = {
-        {{}, Call1671::OneEar, u"ERROR:受信データなし。"_s},
-        {{u"01X rest\x03"_s}, Call1671::OneEar, u"ERROR:検査名が違います。 X"_s},
-        {{u"01\x03"_s}, Call1671::Reflex, u"ERROR:検査名が違います。 \x03"_s},
-        {{u"01Q"_s, kLeft}, Call1671::BothEars, u"ERROR:検査名が違います。 Q"_s},
-        {{kRight, other}, Call1671::BothEars, u"ERROR:検査日が左右で違います。　250416-250417"_s},
-        {{kRight}, Call1671::BothEars, u"ERROR:検査日が左右で違います。　250416-"_s},
-        {{kRight, kLeft}, Call1671::BothEars, {}},
-        {{kLeft}, Call1671::Reflex, {}},
+    const std::pair<QStringList, QString> cases[] = {
+        {{}, u"ERROR:受信データなし。"_s},
+        {{kRight, J(u"2715000"_s, {}, u"250417"_s)},
+         u"ERROR:検査日が左右で違います。　250416-250417"_s},
+        {{kRight}, u"ERROR:検査日が左右で違います。　250416-"_s},
     };
-    for (const auto& [lines, call, error] : cases) {
-        EXPECT_EQ(RejectedLine1671(lines, call, settings).value_or(u""_s),
-                  error.isEmpty() ? error : error + u",1671,TYMP"_s)
-            << lines.join(u'|').toStdString();
-    }
+    for (const auto& [lines, error] : cases)
+        EXPECT_EQ(RejectedLine1671(lines, Call1671::BothEars, settings), error + u",1671,TYMP"_s);
 }
 
-// Each call moves its chart whole into JyusinDataPath2, beside a file of that name, which
-// stays; then the record that points to it. No work or ear file is left.
-TEST(Edit1671, ChartThenTheRecordThatPointsToIt) {
-    const std::tuple<QStringList, Call1671, QString, QString, QString, QString> cases[] = {
-        {{kLeft}, Call1671::OneEar, u"single-left.csv"_s, u"T"_s, u"TYMP"_s, u""_s},
-        {{kRight, kLeftOfPair, kLeft},
-         Call1671::BothEars,
-         u"pair.csv"_s,
-         u"T"_s,
-         u"TYMP"_s,
-         u"007"_s},
-        {kReflex, Call1671::Reflex, u"reflex.csv"_s, u"R"_s, u"REFLEX"_s, u""_s},
-    };
-    for (const auto& [lines, call, fixture, prefix, name, fixedId] : cases) {
-        TestSite site;
-        Configure(site);
-        Ctx().FixedSampleId = fixedId;
-        const QString id = fixedId.isEmpty() ? u"4711"_s : u"7"_s;
-        const QString taken = u"chart/1671-"_s + prefix + u"-2025041609301600002~KVB.csv"_s;
-        site.writeFile(taken, "earlier");
-        EditResult1671(lines, call);
-        EXPECT_EQ(site.readFile(taken), "earlier");
-        const QString chart = u"chart/1671-"_s + prefix + u"-2025041609301600003~KVB.csv"_s;
-        EXPECT_EQ(DecodeAnsi(site.readFile(chart)).split(u"\r\n"_s), Fixture(fixture));
-        EXPECT_EQ(DecodeAnsi(site.readFile(u"data/1671-KV-2025041609301600004~KVB.csv"_s)),
-                  u"20250416,000000,1,%1,1671,%2,000000,,,,,,,,,MIN,%3,,\r\n"_s.arg(
-                      id, name, site.path(chart)));
-        EXPECT_EQ(QDir(site.native(u"wk"_s)).entryList(QDir::Files), QStringList());
-        EXPECT_EQ(QDir(site.native()).entryList({u"1671-*"_s}), QStringList());
-        EXPECT_TRUE(DecodeAnsi(site.readFile(u"Tesvane1671.log"_s))
-                        .contains(u"出力完了(Write) -- 1671-"_s + id + u"-1:"_s));
-    }
-}
-
-// A pair of one ear, a stale left file from an earlier run notwithstanding, and a stray line
-// of any call: an error line and no chart.
-TEST(Edit1671, ErrorLinesReachTheResultFileWithoutAChart) {
+// The chart moves whole beside a file of its name, which stays, and the record points to it
+// with the fixed identifier; a pair of one ear is an error line, a stale left file of an
+// earlier run notwithstanding. No ear file is left.
+TEST(Edit1671, ChartBesideATakenNameAndAPairOfOneEar) {
     TestSite site;
     Configure(site);
-    site.writeFile(u"1671-4711-L.csv"_s, "stale");
+    Ctx().FixedSampleId = u"007"_s;
+    const QString taken = u"chart/1671-R-2025041609301600002~KVB.csv"_s;
+    site.writeFile(taken, "earlier");
+    site.writeFile(u"1671-7-L.csv"_s, "stale");
+    EditResult1671({M(u"R"_s, u"0850"_s, {})}, Call1671::Reflex);
     EditResult1671({kRight, kRight}, Call1671::BothEars);
-    EditResult1671({u"01Z\x03"_s}, Call1671::Reflex);
-    EXPECT_EQ(DecodeAnsi(site.readFile(u"data/1671-KV-2025041609301600002~KVB.csv"_s)),
-              u"ERROR:検査データ左右なし（システム障害）,1671,TYMP\r\n"_s);
+    EXPECT_EQ(site.readFile(taken), "earlier");
     EXPECT_EQ(DecodeAnsi(site.readFile(u"data/1671-KV-2025041609301600004~KVB.csv"_s)),
-              u"ERROR:検査名が違います。 Z,1671,TYMP\r\n"_s);
-    EXPECT_FALSE(site.exists(u"chart"_s));
+              u"20250416,000000,1,7,1671,REFLEX,000000,,,,,,,,,MIN,%1,,\r\n"_s.arg(
+                  site.path(u"chart/1671-R-2025041609301600003~KVB.csv"_s)));
+    EXPECT_EQ(DecodeAnsi(site.readFile(u"data/1671-KV-2025041609301600006~KVB.csv"_s)),
+              u"ERROR:検査データ左右なし（システム障害）,1671,TYMP\r\n"_s);
     EXPECT_EQ(QDir(site.native()).entryList({u"1671-*"_s}), QStringList());
 }
 
@@ -209,7 +148,7 @@ TEST(Edit1671, ErrorLinesReachTheResultFileWithoutAChart) {
 TEST(Edit1671DeathTest, ARunTimeErrorLeavesNoChartAndNoRecord) {
     TestSite site;
     Configure(site);
-    const QString bad = J(u"R"_s, u"271"_s, u"5000"_s, u"0850"_s, u"1,2,3,9x9"_s);
+    const QString bad = J(u"2715000"_s, u"0850,1,2,3,9x9"_s);
     EXPECT_EXIT(EditResult1671({bad}, Call1671::OneEar), ::testing::ExitedWithCode(1), "");
     EXPECT_FALSE(site.exists(u"chart"_s));
     EXPECT_FALSE(site.exists(u"data"_s));
