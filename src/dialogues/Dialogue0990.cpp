@@ -27,10 +27,14 @@ void LogText(const QString& text) {
     LogEvent(text + u" "_s, text, LogForm::Full);
 }
 
-// The frame check keeps every frame it saw for the life of the process.
+// The frame check keeps every frame it saw for the life of the process, across sessions: in the
+// form's memory of the dialogue.
+struct Memory0990 final : DialogueMemory {
+    FrameHistory history;
+};
+
 FrameHistory& History() {
-    static FrameHistory history;
-    return history;
+    return MemoryOf<Memory0990>().history;
 }
 
 struct Run0990 {
