@@ -3,6 +3,9 @@
 // holds exactly the rows sent and that every lookup found its order.
 //
 // Aim on SQLite: at least 5,000 lines/s and 2,000 lookups/s.
+//
+// Each runs on a SQLite file and, when KV_ORBLINE_BENCH_PG holds the address of a database
+// this run may empty (postgresql://...), on that server too.
 
 #include "common/Clock.h"
 #include "common/RunContext.h"
@@ -55,15 +58,33 @@ QString OrderLine(const QString& date, int n) {
     return (f + TestNames()).join(u","_s);
 }
 
-// A site whose store holds nothing yet.
+// An empty T_ORDER in the server's database.
+bool EmptyServerStore(const QString& address) {
+    const QString name = u"bench_create"_s;
+    if (!ConnectOrderDb(name, {address, {}}, nullptr)) return false;
+    bool ok = false;
+    {
+        QSqlQuery(QSqlDatabase::database(name)).exec(u"DROP TABLE IF EXISTS T_ORDER"_s);
+        ok = CreateOrderTable(name, nullptr);
+    }
+    DisconnectOrderDb(name);
+    return ok;
+}
+
+// A site whose store holds nothing yet: a SQLite file, or T_ORDER on the server.
 struct Site {
-    Site() {
+    explicit Site(bool onServer) {
         ResetRunContext();
         Ctx().InstrumentCode = u"1660"_s;
         Ctx().AppPath = dir.path();
         Ctx().DbPath = dir.path();
         Ctx().OrderPath = dir.path() + u"/orders"_s;
         QDir().mkpath(Ctx().OrderPath);
+        if (onServer) {
+            Ctx().DbConnect = qEnvironmentVariable("KV_ORBLINE_BENCH_PG");
+            ok = IsPostgresAddress(Ctx().DbConnect) && EmptyServerStore(Ctx().DbConnect);
+            return;
+        }
         QString error;
         ok = CreateOrderStore(dir.path() + u"/KV_Orbline2.min"_s, &error);
     }
@@ -82,6 +103,13 @@ struct Site {
     bool ok = false;
 };
 
+// A store that cannot be opened would end the run: such a benchmark is skipped instead.
+bool Unusable(benchmark::State& state, const Site& site) {
+    if (site.ok) return false;
+    state.SkipWithError("no store: on a server, KV_ORBLINE_BENCH_PG names none that opens");
+    return true;
+}
+
 void DropOrderFiles(int firstLine) {
     const QString today = NowText(u"YYYYMMDD"_s);
     for (int f = 0; f < kFiles; ++f) {
@@ -93,10 +121,11 @@ void DropOrderFiles(int firstLine) {
     }
 }
 
-void BM_IntakeOf10000Lines(benchmark::State& state) {
+void BM_IntakeOf10000Lines(benchmark::State& state, bool onServer) {
     for (auto _ : state) {
         state.PauseTiming();
-        Site site;
+        Site site(onServer);
+        if (Unusable(state, site)) return;
         DropOrderFiles(0);
         state.ResumeTiming();
         // Two polls: the first sees the files, the second finds them unchanged and takes them.
@@ -111,7 +140,14 @@ void BM_IntakeOf10000Lines(benchmark::State& state) {
         benchmark::Counter(static_cast<double>(state.iterations()) * kFiles * kLinesPerFile,
                            benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_IntakeOf10000Lines)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK_CAPTURE(BM_IntakeOf10000Lines, SQLite, false)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(BM_IntakeOf10000Lines, PostgreSQL, true)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->UseRealTime();
 
 // The store is filled in one transaction of its own, not through the intake: what is measured
 // here is the lookup.
@@ -140,8 +176,9 @@ void FillStore(int rows) {
     CloseOrderDb();
 }
 
-void BM_LookupsOnAStoreOf100000Rows(benchmark::State& state) {
-    Site site;
+void BM_LookupsOnAStoreOf100000Rows(benchmark::State& state, bool onServer) {
+    Site site(onServer);
+    if (Unusable(state, site)) return;
     FillStore(kStoreRows);
     if (!site.ok || site.rows() != kStoreRows) state.SkipWithError("the store was not filled");
     auto* random = QRandomGenerator::global();
@@ -161,7 +198,11 @@ void BM_LookupsOnAStoreOf100000Rows(benchmark::State& state) {
     state.counters["lookups/s"] = benchmark::Counter(
         static_cast<double>(state.iterations()) * kLookups, benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_LookupsOnAStoreOf100000Rows)
+BENCHMARK_CAPTURE(BM_LookupsOnAStoreOf100000Rows, SQLite, false)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(BM_LookupsOnAStoreOf100000Rows, PostgreSQL, true)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1)
     ->UseRealTime();

@@ -5,6 +5,7 @@ set -euo pipefail
 packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc-dev libsqliteodbc sqlite3
+    libqt6sql6-psql postgresql
     libgtest-dev libgmock-dev googletest libbenchmark-dev
     clang clang-format clang-tidy
     g++-mingw-w64-x86-64

@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
-# Installs what is needed, builds with warnings as errors, runs every test; then the same
-# suite under the address and undefined-behaviour sanitizers; then the Windows sources through
-# the cross compiler's syntax check; last the format and clang-tidy checks.
+# Installs what is needed, starts a throwaway PostgreSQL server, builds with warnings as errors,
+# runs every test; then the same suite under the address and undefined-behaviour sanitizers;
+# then the Windows sources through the cross compiler's syntax check; last the format and
+# clang-tidy checks.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
 
 jobs=$(nproc)
+
+# A throwaway PostgreSQL server for the order suites on a server, stopped however the run ends.
+KV_ORBLINE_TEST_PG=$(scripts/pg-test-server.sh start)
+export KV_ORBLINE_TEST_PG
+trap 'scripts/pg-test-server.sh stop "$KV_ORBLINE_TEST_PG"' EXIT
 
 echo "== build and test =="
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release

@@ -1,7 +1,8 @@
 #pragma once
 // The order store: one table, T_ORDER, in one database file shared by every instrument of a
-// site, or a server database reached through ODBC. A connection lives for one save, one
-// lookup, or (in the intake) one order file. Values always go in as bound parameters.
+// site, or a server database reached through PostgreSQL's own driver or through ODBC. A connection
+// lives for one save, one lookup, or (in the intake) one order file. Values always go in as bound
+// parameters.
 
 #include <QByteArray>
 #include <QSqlDatabase>
@@ -29,14 +30,19 @@ enum class OrderDbKind { SQLite, Access, Unknown };
 // By the file's first bytes: "SQLite format 3", or a Jet/ACE header.
 OrderDbKind OrderDbKindOf(const QByteArray& head);
 bool IsSQLiteConnection(const QSqlDatabase& db);
+bool IsPostgresConnection(const QSqlDatabase& db);
 
-// Where a connection goes: an ODBC connection string, or else a database file.
+// Where a connection goes: a PostgreSQL address ("postgresql://...") or an ODBC connection
+// string, or else a database file.
 struct OrderDbTarget {
     QString connectString;
     QString nativeFile;
 };
 // The target of this process: DbConnect when set, else the file under DbPath.
 OrderDbTarget SiteOrderDbTarget();
+// The target a tool names: "odbc:<connection string>", a PostgreSQL address, or a file.
+OrderDbTarget OrderDbTargetOf(const QString& store);
+bool IsPostgresAddress(const QString& connectString);
 // Opens a connection of the given name. SQLite files open read-write and are never created;
 // they get a busy timeout. On failure the connection is removed and error says why.
 bool ConnectOrderDb(const QString& name, const OrderDbTarget& target, QString* error);
@@ -50,7 +56,8 @@ void CloseOrderDb();
 QSqlDatabase OrderDb();
 
 // A write transaction: BEGIN IMMEDIATE on SQLite, so that a writer waits for the lock at the
-// start rather than failing between its read and its write; the driver's transaction else.
+// start rather than failing between its read and its write; the driver's transaction else
+// (READ COMMITTED on PostgreSQL, where the writer's one upsert statement needs no more).
 bool BeginOrderWrite(QSqlDatabase& db);
 bool CommitOrderWrite(QSqlDatabase& db);
 void RollbackOrderWrite(QSqlDatabase& db);

@@ -178,9 +178,7 @@ TYPED_TEST(OrderIntakeTest, AFileIsTakenWholeOnlyOnceAPollFindsItUnchanged) {
 // and of the batches before are stored, also those past the staging table; the file stays
 // beside as ".failed", numbered when that name is taken, and no later poll takes it.
 TYPED_TEST(OrderIntakeTest, AFileWithALineTheStoreRefusesIsKeptAsFailedWithItsCount) {
-    this->store.exec(
-        u"CREATE TRIGGER refuse BEFORE INSERT ON T_ORDER WHEN NEW.ORDERCD = 'BAD' "
-        u"BEGIN SELECT RAISE(ABORT, 'refused'); END"_s);
+    this->store.refuse(u"BAD"_s);
     TestSite& site = this->site();
     QByteArray lines;
     for (int i = 1; i <= 1005; ++i) lines += Line(i == 1003 ? "BAD" : "K", i);

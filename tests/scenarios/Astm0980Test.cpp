@@ -2,6 +2,7 @@
 // queries with and without an order, the order phase under refusals and noise, and an order
 // file taken by the poll while the dialogue runs.
 
+#include "orders/OrderTestSupport.h"
 #include "support/AstmInstrument.h"
 
 #include <gtest/gtest.h>
@@ -69,14 +70,12 @@ TEST(Astm0980, AResultMessageInSeveralReadsBecomesOneResultFile) {
     EXPECT_EQ(link.workFiles(), QStringList());
 }
 
+namespace {
+
 // The answer to a query: ENQ after the EOT, then header, patient, order and terminator on
 // each ACK, and EOT after the last ACK. The order's own test comes back, here a code the
 // instrument's table does not name; a key without an order gets "HbA1c" (the tests below).
-TEST(Astm0980, AQueryIsAnsweredWithTheTestOfItsOrder) {
-    LinkProcess link;
-    // Stored without the "-": the lookup takes it out of the key.
-    StoreOrder(link, {u"KENSAKIKICD"_s, u"0980"_s, u"ORDERCD"_s, u"K0001"_s, u"KENSACNT"_s, u"1"_s,
-                      u"KENSA1"_s, u"0980020"_s});
+void ExpectQueryAnsweredFromItsOrder(LinkProcess& link) {
     StartInstrument(link, u"0980"_s, u"HLC"_s);
     SendAcked(link, Query("K-0001"));
     EXPECT_EQ(Received(link, 1), "<ENQ>");
@@ -93,6 +92,26 @@ TEST(Astm0980, AQueryIsAnsweredWithTheTestOfItsOrder) {
     EXPECT_TRUE(log.contains(u"問合情報送信完了(Edit/ETB) -- 0980-0-0"_s + kStamp))
         << log.join(u'\n').toStdString();
     EXPECT_EQ(link.deliveries(), QStringList());
+}
+
+}  // namespace
+
+TEST(Astm0980, AQueryIsAnsweredWithTheTestOfItsOrder) {
+    LinkProcess link;
+    // Stored without the "-": the lookup takes it out of the key.
+    StoreOrder(link, {u"KENSAKIKICD"_s, u"0980"_s, u"ORDERCD"_s, u"K0001"_s, u"KENSACNT"_s, u"1"_s,
+                      u"KENSA1"_s, u"0980020"_s});
+    ExpectQueryAnsweredFromItsOrder(link);
+}
+
+// The same with DbConnect the address of a database on the test server.
+TEST(Astm0980, AQueryIsAnsweredFromAnOrderOnTheServer) {
+    if (TestServerAddress().isEmpty()) GTEST_SKIP() << "no test server: KV_ORBLINE_TEST_PG";
+    OrderSite store(nullptr, true);
+    store.order(u"20250416"_s, u"1"_s, u"0980"_s, u"K0001"_s, {u"0980020"_s});
+    LinkProcess link;
+    link.userKeys = u"DbConnect="_s + store.serverAddress() + u"\r\n"_s;
+    ExpectQueryAnsweredFromItsOrder(link);
 }
 
 // Refusals count over the whole phase. A NAK to the ENQ sends nothing; one to the header

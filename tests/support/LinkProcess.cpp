@@ -54,7 +54,8 @@ void LinkProcess::writeSettings(const QString& extraKeys, const QString& device)
     const QString site = Backslashed(dir_.path());
     const QString text =
         u"[User]\r\nJyusinWKPath="_s + site + u"\\wk\r\nJyusinDataPath="_s + site +
-        u"\\data\r\nJyusinDataPath2="_s + site + u"\\chart\r\n[TNMC]\r\nName="_s + instrumentName + u"\r\nPort=1\r\nBaudRate=9600\r\n"_s +
+        u"\\data\r\nJyusinDataPath2="_s + site + u"\\chart\r\n"_s + userKeys +
+        u"[TNMC]\r\nName="_s + instrumentName + u"\r\nPort=1\r\nBaudRate=9600\r\n"_s +
         u"DataBits=8\r\nParity=n\r\nStopBits=1\r\nHandshake=N\r\nTimeOut=1000\r\n"_s +
         u"Device="_s + (device.isEmpty() ? QString::fromStdString(line.device()) : device) +
         u"\r\n"_s + extraKeys;

@@ -30,6 +30,8 @@ class LinkProcess {
     void start(const QString& code = QStringLiteral("2620"));
     // Before writeSettings: the instrument's name in the settings (and so in every record).
     QString instrumentName = QStringLiteral("TOMEY");
+    // Before writeSettings: more keys of section User ("Key=value" lines).
+    QString userKeys;
     // Before start: a factor for the protocol's waits (the 10 ms round, the 100 ms read wait).
     QString timeScale;
     // Waits until the main log holds the text.

@@ -11,7 +11,8 @@
 //       polls <work-folder>/orders every 100 ms for files of 1660, as a dialogue does, until none
 //       is left or the time is up; prints "left <files>"
 //
-// The store is <store-folder>/KV_Orbline2.min. Exit status 1 when any statement on the store
+// The store is <store-folder>/KV_Orbline2.min, or the server when <store-folder> is a
+// postgresql:// address. Exit status 1 when any statement on the store
 // failed (the last error goes to standard error), 2 for a bad command line.
 
 #include "common/Clock.h"
@@ -20,6 +21,7 @@
 #include "common/TextFile.h"
 #include "orders/OrderIntake.h"
 #include "orders/OrderLookups.h"
+#include "orders/OrderStore.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -82,7 +84,8 @@ int Look(const QStringList& tags, QDeadlineTimer deadline) {
         const QString& tag = tags[random->bounded(static_cast<int>(tags.size()))];
         QString kana;
         QString tests;
-        LookupOrder1660(Key(tag, random->bounded(100), random->bounded(1, kLinesPerFile + 1)), kana,
+        // The first files of a taker: written early, so that a short run finds some too.
+        LookupOrder1660(Key(tag, random->bounded(10), random->bounded(1, kLinesPerFile + 1)), kana,
                         tests, u"1660"_s);
         ++lookups;
         if (!tests.isEmpty()) ++found;
@@ -119,7 +122,10 @@ int main(int argc, char** argv) {
     RunContext& ctx = Ctx();
     ctx.InstrumentCode = u"1660"_s;
     ctx.AppPath = args[1];
-    ctx.DbPath = args[2];
+    if (IsPostgresAddress(args[2]))
+        ctx.DbConnect = args[2];
+    else
+        ctx.DbPath = args[2];
     ctx.OrderPath = args[1] + u"/orders"_s;
     QDir().mkpath(ctx.OrderPath);
     const QDeadlineTimer deadline{std::chrono::seconds{seconds}};
