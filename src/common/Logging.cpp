@@ -89,6 +89,10 @@ void LogFileOnly(const QString& fileText, LogForm form) {
     GLogWrite(u"0"_s, line);
 }
 
+void LogTextFull(const QString& text) {
+    LogEvent(text + u" "_s, text, LogForm::Full);
+}
+
 void LogDetail(const QString& text, const QString& value) {
     if (Ctx().LogMeisai != u"1"_s) return;
     QString line = text + LogTime() + u":"_s + value;

@@ -32,6 +32,9 @@ enum class LogForm { Short, Full };
 // The usual pair: the console text to GLogEdit, then the file text to GLogWrite, each with
 // its own time stamp in the given form, kind "0".
 void LogEvent(const QString& consoleText, const QString& fileText, LogForm form);
+// A text of the dialogues that log it once: the console text one blank longer, both in the
+// full form.
+void LogTextFull(const QString& text);
 // The file text alone, kind "0".
 void LogFileOnly(const QString& fileText, LogForm form);
 // A numbered detail line, kind "1", only when LogMeisai is "1": the text, the time, ":" and the

@@ -44,10 +44,10 @@ struct ChemistryRun {
             SlogOut(frame, InstrumentCodeNumber(), NowText(u"YYYYMMDDHHMMSS"_s), 1);
         switch (d.dataFrameLog) {
             case DataFrameLog::FirstOfMessage:
-                if (frameCount == 1) LogChemistry(u"データ受信中 -- "_s);
+                if (frameCount == 1) LogTextFull(u"データ受信中 -- "_s);
                 break;
             case DataFrameLog::EachWithCount:
-                LogChemistry(u"データ受信 -- "_s + QString::number(frameCount) + u" "_s);
+                LogTextFull(u"データ受信 -- "_s + QString::number(frameCount) + u" "_s);
                 break;
         }
         SendFixedReply(FixedReply::Positive);
@@ -67,7 +67,7 @@ struct ChemistryRun {
                 return;
             case FrameKind::Poll:
                 SendFixedReply(FixedReply::Positive);
-                if (pollCount == 0) LogChemistry(u"ANY受信 "_s);
+                if (pollCount == 0) LogTextFull(u"ANY受信 "_s);
                 CountUp(pollCount);
                 return;
             case FrameKind::Inquiry:
@@ -76,22 +76,18 @@ struct ChemistryRun {
                     return;
                 }
                 SendFixedReply(FixedReply::Positive);
-                LogChemistry(u"オーダデータ受信(SPE) (未対応)-- "_s);
+                LogTextFull(u"オーダデータ受信(SPE) (未対応)-- "_s);
                 return;
             case FrameKind::NoStx:
                 // Never stored.
                 SendFixedReply(d.noStxReply);
-                LogChemistry(u"受信チェックエラー CD=("_s + QString::number(code) + u") "_s);
+                LogTextFull(u"受信チェックエラー CD=("_s + QString::number(code) + u") "_s);
                 return;
         }
     }
 };
 
 }  // namespace
-
-void LogChemistry(const QString& text) {
-    LogEvent(text + u" "_s, text, LogForm::Full);
-}
 
 void RunChemistryLoop(const ChemistryDialogue& dialogue) {
     ChemistryRun run(dialogue);

@@ -28,9 +28,6 @@ struct ChemistryDialogue {
     void (*edit)(const ChemistryFrames& frames, std::int16_t count) = nullptr;
 };
 
-// "to log a text" of these dialogues: the console one blank more, both in the full form.
-void LogChemistry(const QString& text);
-
 // Runs until the session ends (Connected false).
 void RunChemistryLoop(const ChemistryDialogue& dialogue);
 

@@ -22,11 +22,6 @@ namespace orbline {
 
 namespace {
 
-// Both in the long form; the console's text has one blank more.
-void LogText(const QString& text) {
-    LogEvent(text + u" "_s, text, LogForm::Full);
-}
-
 // The frame check keeps every frame it saw for the life of the process, across sessions: in the
 // form's memory of the dialogue.
 struct Memory0990 final : DialogueMemory {
@@ -49,7 +44,7 @@ struct Run0990 {
             // The frames of the transmission before go with the first frame of this one.
             if (FolderExists(folder)) DeleteFolderTree(folder);
             MakeFolder(folder);
-            LogText(u"データ受信中 -- "_s);
+            LogTextFull(u"データ受信中 -- "_s);
         }
         // BlockFileOut writes the receive buffer, which holds the frame.
         BlockFileOut(folder, u"c990"_s, FormatNumber(QString::number(pieceCount), u"0000"_s));
@@ -63,13 +58,13 @@ struct Run0990 {
         pieceCount = 0;
         SendFixedReply(FixedReply::FrameAccepted);
         CountUp(synCount);
-        if (synCount == 1) LogText(u"[SYN]データ受信 -- "_s);
+        if (synCount == 1) LogTextFull(u"[SYN]データ受信 -- "_s);
     }
 
     void Refuse(FrameCheck check) {
         SendFixedReply(FixedReply::FrameRefused);
-        LogText(u"受信チェックエラー CD=("_s + QString::number(static_cast<std::int16_t>(check)) +
-                u")"_s);
+        LogTextFull(u"受信チェックエラー CD=("_s +
+                    QString::number(static_cast<std::int16_t>(check)) + u")"_s);
     }
 
     void Answer(const QString& frame) {

@@ -20,20 +20,20 @@ void Slog(const QString& text) {
 }
 
 void ExchangeOrder(const QString& inquiry, ChemistryFrames& frames) {
-    LogChemistry(u"オーダデータ受信(SPE) -- "_s);
+    LogTextFull(u"オーダデータ受信(SPE) -- "_s);
     frames.put(0, inquiry);
     Slog(inquiry);
     const std::int16_t code = BuildOrderReply2140(frames);
     if (code != 0) {
         SendFixedReply(FixedReply::Negative);
-        LogChemistry(u"オーダデータ送信エラー CD=("_s + QString::number(code) + u") "_s);
+        LogTextFull(u"オーダデータ送信エラー CD=("_s + QString::number(code) + u") "_s);
         return;
     }
     const QString reply = frames.get(1).value_or(QString());
     Slog(reply);
     Ctx().SendBytes = OrderReplyHex2140(reply).toLatin1();
     SendFixedReply(FixedReply::Prepared);
-    LogChemistry(u"オーダデータ送信(SPE) -- "_s);
+    LogTextFull(u"オーダデータ送信(SPE) -- "_s);
 }
 
 constexpr ChemistryDialogue kDialogue2140{

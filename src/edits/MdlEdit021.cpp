@@ -113,9 +113,7 @@ QString TestCodeOf(const QString& name, const QString& prefix) {
 }
 
 void LogUnknownItem(const QString& number) {
-    // The console takes one blank more than the main log.
-    const QString text = u"検査名設定なし -- CD："_s + number + u" "_s;
-    LogEvent(text + u" "_s, text, LogForm::Full);
+    LogTextFull(u"検査名設定なし -- CD："_s + number + u" "_s);
 }
 
 void RunEdit(const ChemistryFrames& frames, std::int16_t count, const ChemistryParams& params,
