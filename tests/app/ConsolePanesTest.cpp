@@ -118,15 +118,6 @@ TEST(ConsolePanes, SaveAndLoadRoundTrip) {
     EXPECT_EQ(Form().receiveBytes.count, 0);
 }
 
-TEST(ConsolePanes, ReadmeIsFoundInTheProgramFolder) {
-    TestSite site;
-    EXPECT_EQ(FindReadme(site.native()).missing, u"Readme ファイルが見つかりません。    "_s);
-    site.writeFile(u"Readme_Ja.txt"_s, "x");
-    const ReadmeTarget found = FindReadme(site.native());
-    EXPECT_EQ(found.path, site.native(u"Readme_Ja.txt"_s));
-    EXPECT_TRUE(found.missing.isEmpty());
-}
-
 // buttonWrite only keeps the bytes with the delimiter; the line stays silent.
 TEST(ConsolePanes, WriteAppendsTheDelimiterAndSendsNothing) {
     TestSite site;
