@@ -2,6 +2,7 @@
 #include "app/Session.h"
 #include "common/AnsiCodec.h"
 #include "common/Form.h"
+#include "common/FormLists.h"
 #include "console/ConsoleLayout.h"
 #include "console/ConsoleWindow.h"
 #include "support/LineHarness.h"
@@ -9,7 +10,9 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDir>
+#include <QFocusEvent>
 #include <QGroupBox>
 #include <QImage>
 #include <QLabel>
@@ -127,4 +130,27 @@ TEST(ConsoleWindow, ShowsTheSessionConnectedThenStopped) {
     QDir().mkpath(folder);
     EXPECT_TRUE(connected.picture.save(folder + u"/console-connected.png"_s));
     EXPECT_TRUE(stopped.picture.save(folder + u"/console-stopped.png"_s));
+}
+
+// The glue between the boxes and the form: a text typed over lines is read token by token when
+// the box is left, the layout button lays it out, and a mode change shows it anew.
+TEST(ConsoleWindow, TypedPaneTextReachesTheFormAndComesBackLaidOut) {
+    test::TestSite site;
+    RunLoadEventStart(u"2620=1=TN="_s + site.path());
+    BuildCodeTables();
+    ConsoleWindow window;
+    auto* box = window.findChild<QPlainTextEdit*>(u"textDataW"_s);
+    QFocusEvent in(QEvent::FocusIn);
+    QCoreApplication::sendEvent(box, &in);
+    box->setPlainText(u"41 42\n43"_s);
+    QFocusEvent out(QEvent::FocusOut);
+    QCoreApplication::sendEvent(box, &out);
+    EXPECT_EQ(Form().sendBytes.bytes, QByteArray("ABC"));
+    EXPECT_EQ(window.findChild<QLabel*>(u"labelBytesW"_s)->text(), u"3"_s);
+
+    window.findChild<QPushButton*>(u"buttonFormatW"_s)->click();
+    EXPECT_EQ(box->toPlainText(), u"41 42 43 "_s);
+    auto* mode = window.findChild<QComboBox*>(u"comboModeW"_s);
+    mode->activated(2);
+    EXPECT_EQ(box->toPlainText(), u"ABC"_s);
 }
