@@ -12,8 +12,6 @@
 #include <string_view>
 #include <thread>
 
-extern char** environ;
-
 namespace orbline::soak {
 
 LinkChild::~LinkChild() {
@@ -36,6 +34,7 @@ bool LinkChild::start(const std::string& program, const std::string& argument,
         if (!replaced) environment.emplace_back(inherited);
     }
     std::vector<char*> envp;
+    envp.reserve(environment.size() + 1);
     for (std::string& entry : environment) envp.push_back(entry.data());
     envp.push_back(nullptr);
     std::string programCopy = program;
