@@ -1,7 +1,6 @@
 #include "SoakChecks.h"
 
 #include "common/AnsiCodec.h"
-#include "orders/OrderDbFailure.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -24,22 +23,6 @@ QByteArray ReadAll(const QString& path) {
 
 QStringList FilesIn(const QString& folder, const QString& pattern) {
     return QDir(folder).entryList({pattern}, QDir::Files | QDir::Hidden, QDir::Name);
-}
-
-// The texts of the main log that say something went wrong.
-const QStringList& FailureTexts() {
-    static const QStringList texts = {
-        u"オーダデータ検索失敗(DB)"_s,
-        u"オーダデータ登録失敗(Edit)"_s,
-        QString::fromUtf16(kOrderDbOpenFailed),
-        QString::fromUtf16(kOrderDbCloseFailed),
-        u"受信未完了(退避)"_s,
-        u"回線切断"_s,
-        u"接続失敗"_s,
-        u"プログラム異常終了"_s,
-        u"システムエラー"_s,
-    };
-    return texts;
 }
 
 // A record may name another delivered file (the 1671's chart), whose serial goes up from pass
@@ -94,15 +77,10 @@ void CheckWorkFolder(const QString& root, QStringList& failures) {
     if (left > 0) failures.append(u"work folder holds %1 undelivered files"_s.arg(left));
 }
 
-void CheckLogs(const QString& root, const QString& code, QStringList& failures) {
-    for (const QString& name : FilesIn(root, u"Tesvane*"_s + code + u"*.log"_s)) {
-        const QString log = DecodeAnsi(ReadAll(root + u'/' + name));
-        for (const QString& text : FailureTexts()) {
-            const qsizetype count = log.count(text);
-            if (count > 0)
-                failures.append(u"%1: %2 × \"%3\" in %4"_s.arg(code).arg(count).arg(text, name));
-        }
-    }
+void CheckLogs(const QString& root, const QString& code,
+               const std::map<QString, int>& mainLogFailures, QStringList& failures) {
+    for (const auto& [text, count] : mainLogFailures)
+        failures.append(u"%1: %2 × \"%3\" in the main log"_s.arg(code).arg(count).arg(text));
     for (const QString& name : FilesIn(root, u"KV_Orbline"_s + code + u"*.diag"_s)) {
         const QString diag = DecodeAnsi(ReadAll(root + u'/' + name));
         if (!diag.isEmpty()) failures.append(u"%1: %2: %3"_s.arg(code, name, FirstLine(diag)));

@@ -26,9 +26,10 @@ Delivered CheckDeliveries(const QString& root, const SoakInstrument& instrument,
 // The work folder holds no result that was never delivered.
 void CheckWorkFolder(const QString& root, QStringList& failures);
 
-// The main logs of the code hold no failure text; its diagnostic log and its standard error
-// (kv_orbline<code>.stderr) hold nothing at all.
-void CheckLogs(const QString& root, const QString& code, QStringList& failures);
+// No failure text came in the main log (as a MainLogReader counted them); the code's
+// diagnostic log and its standard error (kv_orbline<code>.stderr) hold nothing at all.
+void CheckLogs(const QString& root, const QString& code,
+               const std::map<QString, int>& mainLogFailures, QStringList& failures);
 
 // Every order file taken (none left, none set aside as failed), and as many rows of each
 // instrument as order lines were written for it.

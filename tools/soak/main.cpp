@@ -11,6 +11,7 @@
 
 #include "InstrumentLoop.h"
 #include "LinkChild.h"
+#include "MainLogReader.h"
 #include "OrderFeed.h"
 #include "SoakChecks.h"
 #include "SoakInstruments.h"
@@ -104,6 +105,7 @@ struct Instance {
     const SoakInstrument* instrument;
     std::unique_ptr<InstrumentLoop> loop;
     LinkChild link;
+    std::unique_ptr<MainLogReader> mainLog;
     bool endedEarly = false;
 };
 
@@ -174,6 +176,7 @@ int main(int argc, char** argv) {
             std::cerr << "kv_soak: " << code.toStdString() << ": " << e.what() << '\n';
             return 1;
         }
+        instance->mainLog = std::make_unique<MainLogReader>(site.root, code);
         instance->loop->start();
         const QString commandLine = code + u"=0="_s + SoakPrefix(code) + u'=' + site.appPath();
         if (!instance->link.start(KV_ORBLINE_EXE, commandLine.toStdString(), {kFixedNow},
@@ -192,6 +195,7 @@ int main(int argc, char** argv) {
     while (Clock::now() < end) {
         if (!feed.next()) failures.append(u"order feed: "_s + feed.error());
         for (auto& instance : instances) {
+            instance->mainLog->poll();
             if (!instance->endedEarly && !instance->link.running()) {
                 instance->endedEarly = true;
                 failures.append(instance->instrument->code + u": the process ended early"_s);
@@ -243,7 +247,8 @@ int main(int argc, char** argv) {
         const SoakInstrument& instrument = *instance->instrument;
         delivered[instrument.code] =
             CheckDeliveries(site.root, instrument, instance->loop->passes(), failures);
-        CheckLogs(site.root, instrument.code, failures);
+        instance->mainLog->poll();
+        CheckLogs(site.root, instrument.code, instance->mainLog->failures(), failures);
     }
     CheckWorkFolder(site.root, failures);
     const std::optional<std::map<QString, int>> rows = RowsByInstrument(site, &error);
