@@ -109,6 +109,13 @@ struct Instance {
     bool endedEarly = false;
 };
 
+void NoteEarlyEnd(Instance& instance, QStringList& failures) {
+    if (instance.endedEarly || instance.link.running()) return;
+    instance.endedEarly = true;
+    failures.append(instance.instrument->code +
+                    u": the process ended early, status %1"_s.arg(instance.link.exitStatus()));
+}
+
 void PrintProgress(int elapsed, const std::vector<std::unique_ptr<Instance>>& instances) {
     std::cout << "soak: " << elapsed << " s, passes";
     for (const auto& instance : instances)
@@ -192,14 +199,15 @@ int main(int argc, char** argv) {
     const auto start = Clock::now();
     const auto end = start + std::chrono::seconds(options->seconds);
     auto nextProgress = start + kProgressEvery;
+    bool feeding = true;
     while (Clock::now() < end) {
-        if (!feed.next()) failures.append(u"order feed: "_s + feed.error());
+        if (feeding && !feed.next()) {
+            failures.append(u"order feed: "_s + feed.error());
+            feeding = false;
+        }
         for (auto& instance : instances) {
             instance->mainLog->poll();
-            if (!instance->endedEarly && !instance->link.running()) {
-                instance->endedEarly = true;
-                failures.append(instance->instrument->code + u": the process ended early"_s);
-            }
+            NoteEarlyEnd(*instance, failures);
         }
         if (Clock::now() >= nextProgress) {
             const auto elapsed =
@@ -227,12 +235,7 @@ int main(int argc, char** argv) {
     if (!WaitUntil(kIntakeLimit, [&] { return OrderFoldersEmpty(site); }))
         failures.append(u"order files still waiting after %1 s"_s.arg(kIntakeLimit.count()));
     WaitUntil(kDeliveryLimit, [&] { return DeliveredFiles(site) >= expectedFiles; });
-    for (auto& instance : instances) {
-        if (!instance->endedEarly && !instance->link.running()) {
-            instance->endedEarly = true;
-            failures.append(instance->instrument->code + u": the process ended early"_s);
-        }
-    }
+    for (auto& instance : instances) NoteEarlyEnd(*instance, failures);
     for (auto& instance : instances) instance->link.close(kCloseLimit);
     for (auto& instance : instances) {
         if (!instance->endedEarly && instance->link.exitStatus() != 0) {
