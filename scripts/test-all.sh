@@ -20,6 +20,10 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release
 cmake --build build -j "$jobs"
 ctest --test-dir build --output-on-failure -j "$jobs"
 
+echo "== soak, 60 s =="
+# The twelve instruments at once on one site, order files arriving (docs/soak.md).
+build/tools/soak/kv_soak --seconds 60
+
 echo "== sanitizer build and test =="
 cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORBLINE_SANITIZE=ON -DORBLINE_BENCH=OFF
 cmake --build build-asan -j "$jobs"

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "SimScript.h"
 #include "serial/AwComm.h"
@@ -98,6 +99,27 @@ TEST(SimScript, PlaysACaptureFrameByFrameAndRepeatsARefusedFrame) {
     const Bytes firstFrame = CutIntoFrames(expected)[1];
     expected.insert(expected.begin() + 1, firstFrame.begin(), firstFrame.end());
     EXPECT_EQ(received, expected);
+}
+
+// A script played again and again on a line that stays open: the port is opened once, so a
+// later pass that waited for an open would fail. A pass that fails ends the passes.
+TEST(SimScript, PassesAfterTheFirstDoNotWaitForAnOpen) {
+    test::LineHarness harness;
+    RunOptions options;
+    bool opened = true;
+    options.takeOpenedMark = [&] { return std::exchange(opened, false); };
+    std::ostringstream log;
+    const PassCount three = RunPasses(
+        ParseScript("wait-open 300\nsend <ENQ>\n", "s.sim", "."), harness.line, options,
+        [](int passed) { return passed < 3; }, log);
+    EXPECT_EQ(three.passed, 3) << log.str();
+    EXPECT_FALSE(three.failed);
+
+    const PassCount unanswered = RunPasses(
+        ParseScript("timeout 50\nexpect <ACK>\n", "s.sim", "."), harness.line, options,
+        [](int) { return true; }, log);
+    EXPECT_EQ(unanswered.passed, 0);
+    EXPECT_TRUE(unanswered.failed);
 }
 
 TEST(Simulator, CommandLineAndScriptErrorsExitWithTwo) {

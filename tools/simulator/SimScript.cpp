@@ -277,4 +277,19 @@ bool RunScript(const Script& script, SimLine& line, const RunOptions& options, s
     return true;
 }
 
+PassCount RunPasses(const Script& script, SimLine& line, const RunOptions& options,
+                    const std::function<bool(int passed)>& another, std::ostream& log) {
+    Script later = script;
+    std::erase_if(later.steps, [](const Step& step) { return step.command == Command::WaitOpen; });
+    PassCount count;
+    while (count.passed == 0 || another(count.passed)) {
+        if (!RunScript(count.passed == 0 ? script : later, line, options, log)) {
+            count.failed = true;
+            break;
+        }
+        ++count.passed;
+    }
+    return count;
+}
+
 }  // namespace orbline::sim

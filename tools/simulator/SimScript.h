@@ -59,4 +59,15 @@ struct RunOptions {
 // sent and received is written there too, in the byte notation.
 bool RunScript(const Script& script, SimLine& line, const RunOptions& options, std::ostream& log);
 
+// Plays the script pass after pass, as an instrument that repeats its work on a line that
+// stays open: its wait-open steps run in the first pass only, since the other end keeps the
+// port open. `another` is asked before each later pass, with the passes done so far. Stops at
+// the first pass that fails.
+struct PassCount {
+    int passed = 0;
+    bool failed = false;
+};
+PassCount RunPasses(const Script& script, SimLine& line, const RunOptions& options,
+                    const std::function<bool(int passed)>& another, std::ostream& log);
+
 }  // namespace orbline::sim

@@ -1,9 +1,10 @@
 // kv_simulator: plays an instrument's side of the line from a script.
 //
-//   kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] SCRIPT
+//   kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] [--passes N] SCRIPT
 //
 // --device opens a serial port (or one end of a socat pair) raw at the rate; --pty makes a
-// pseudo-terminal pair and points LINK at the end the code under test opens. Exit status:
+// pseudo-terminal pair and points LINK at the end the code under test opens; --passes plays
+// the script N times over (wait-open in the first pass only). Exit status:
 // 0 when every step passed, 1 when a step failed, 2 for a bad command line or script.
 
 #include <fcntl.h>
@@ -29,7 +30,8 @@
 namespace {
 
 constexpr const char* kUsage =
-    "usage: kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] SCRIPT\n";
+    "usage: kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] [--passes N] "
+    "SCRIPT\n";
 
 struct Options {
     std::string device;
@@ -37,7 +39,17 @@ struct Options {
     std::string record;
     std::string script;
     std::uint32_t rate = 9600;
+    int passes = 1;
 };
+
+// Digits only, at most nine of them.
+std::optional<std::uint32_t> Count(const std::string& value) {
+    if (value.empty() || value.size() > 9 ||
+        value.find_first_not_of("0123456789") != std::string::npos) {
+        return std::nullopt;
+    }
+    return static_cast<std::uint32_t>(std::stoul(value));
+}
 
 std::optional<Options> ParseArguments(int argc, char** argv) {
     Options options;
@@ -51,12 +63,13 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
         } else if (arg == "--record" && hasValue) {
             options.record = argv[++i];
         } else if (arg == "--rate" && hasValue) {
-            const std::string value = argv[++i];
-            if (value.empty() || value.size() > 9 ||
-                value.find_first_not_of("0123456789") != std::string::npos) {
-                return std::nullopt;
-            }
-            options.rate = static_cast<std::uint32_t>(std::stoul(value));
+            const std::optional<std::uint32_t> rate = Count(argv[++i]);
+            if (!rate) return std::nullopt;
+            options.rate = *rate;
+        } else if (arg == "--passes" && hasValue) {
+            const std::optional<std::uint32_t> passes = Count(argv[++i]);
+            if (!passes || *passes == 0) return std::nullopt;
+            options.passes = static_cast<int>(*passes);
         } else if (!arg.empty() && arg[0] != '-' && options.script.empty()) {
             options.script = arg;
         } else {
@@ -114,7 +127,10 @@ int main(int argc, char** argv) {
     RunOptions run;
     run.timeScale = orbline::TimeScale();
     if (pty) run.takeOpenedMark = [&pty] { return pty->takeOpenedMark(); };
-    const bool passed = RunScript(script, line, run, std::cout);
+    const PassCount count = RunPasses(
+        script, line, run, [&](int passed) { return passed < options->passes; }, std::cout);
+    const bool passed = !count.failed;
+    if (options->passes > 1) std::cout << count.passed << " passes" << std::endl;
 
     if (!options->record.empty()) {
         std::ofstream out(options->record, std::ios::binary);
