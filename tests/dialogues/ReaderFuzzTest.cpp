@@ -33,7 +33,7 @@ TEST(ReaderFuzz, EveryByteIsGivenOrHeldAndNoneIsMadeUp) {
         pick.scatter(bytes, randomBytes ? 1 : 50, byte);
         pick.edit(bytes, pick(12), byte);
 
-        ReadWindow window{.waitMs = pick(3) * 50, .restMs = pick(2) * 100};
+        ReadWindow window{.waitMs = pick(3) * 50LL, .restMs = pick(2) * 100LL};
         JoinToEnd etx{.mark = QChar(0x03)};
         JoinToCrLf crlf;
         BlockReader blocks;
