@@ -6,11 +6,9 @@
 #include "dialogues/Classifiers.h"
 #include "edits/MdlEdit009.h"
 #include "support/Frames.h"
+#include "support/Fuzz.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <random>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -29,25 +27,17 @@ TEST(Frame0990Fuzz, NoCrashNoHangAndOnlyWholeFramesPass) {
         const QString text = test::PortBytes(inner);
         seeds.append(QChar(0x02) + text + sum(text) + QChar(0x03));
     }
-    std::mt19937 random(20261124);
-    const auto pick = [&](qsizetype below) { return below > 0 ? qsizetype(random() % below) : 0; };
-    const auto character = [&] {  // half of them bytes the check and the edit look at
-        const char marked[] = "\x02\x03\x04\x05\x16\x7F\r\nD|=WB <>";
-        return PortText(QByteArray(1, pick(2) ? char(pick(256)) : marked[pick(16)])).at(0);
+    test::Fuzz pick{std::mt19937(20261124)};
+    const auto character = [&] {
+        return PortText(QByteArray(1, pick.byte("\x02\x03\x04\x05\x16\x7F\r\nD|=WB <>"))).at(0);
     };
     FrameHistory history;
-    const char* rounds = std::getenv("KV_ORBLINE_FUZZ_ROUNDS");
-    for (int round = 0; round < (rounds != nullptr ? std::atoi(rounds) : 2000); ++round) {
+    for (int round = 0, last = test::Fuzz::Rounds(2000); round < last; ++round) {
         QStringList frames;
         for (qsizetype n = 1 + pick(4); n > 0; --n) {
-            // Seeds mutated by insertion, replacement and removal; an empty start grows random.
+            // Seeds mutated; an empty start grows random.
             QString frame = pick(4) == 0 ? QString() : seeds.at(pick(seeds.size()));
-            for (qsizetype k = pick(frame.isEmpty() ? 80 : 6); k > 0; --k) {
-                const qsizetype at = pick(frame.size() + 1), op = at == frame.size() ? 0 : pick(3);
-                op == 0   ? frame.insert(at, character())
-                : op == 1 ? frame.replace(at, 1, character())
-                          : frame.remove(at, 1);
-            }
+            pick.edit(frame, pick(frame.isEmpty() ? 80 : 6), character);
             std::int16_t eot = 0;
             const FrameCheck check =
                 CheckFrame0990(frame, static_cast<std::int16_t>(pick(3)), eot, history);

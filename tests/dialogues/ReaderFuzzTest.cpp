@@ -1,19 +1,16 @@
 // Random and mutated bytes through every reader, cut into reads at random times: no crash, no
 // hang, and every byte accounted for: what a reader gives plus what it holds is exactly what it
-// was fed (the report chain, which replaces its frames, gives and holds no more than that). A
-// fixed seed keeps a failure reproducible; KV_ORBLINE_FUZZ_ROUNDS runs longer.
+// was fed (the report chain, which replaces its frames, gives and holds no more than that).
 
 #include "common/AnsiCodec.h"
 #include "dialogues/PieceReaders.h"
 #include "dialogues/ReadWindow.h"
+#include "support/Fuzz.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
-
-#include <cstdlib>
-#include <random>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -26,30 +23,17 @@ TEST(ReaderFuzz, EveryByteIsGivenOrHeldAndNoneIsMadeUp) {
         if (file.open(QIODevice::ReadOnly)) captures.append(file.readAll());
     }
     ASSERT_FALSE(captures.isEmpty());
-    std::mt19937 random(20261123);
-    const auto pick = [&](int below) {
-        return std::uniform_int_distribution<int>(0, std::max(0, below - 1))(random);
-    };
-    // Half of the random bytes are the control bytes the readers look for.
-    const auto byte = [&] {
-        static constexpr char kControls[] = {0x02, 0x03, 0x04, 0x05, 0x06, 0x0A, 0x0D, 0x15, 0x17};
-        return pick(2) == 0 ? kControls[pick(sizeof kControls)] : static_cast<char>(pick(256));
-    };
-    const char* rounds = std::getenv("KV_ORBLINE_FUZZ_ROUNDS");
-    for (int round = 0, last = rounds != nullptr ? std::atoi(rounds) : 2000; round < last;
-         ++round) {
+    test::Fuzz pick{std::mt19937(20261123)};
+    const auto byte = [&] { return pick.byte("\x02\x03\x04\x05\x06\x0A\x0D\x15\x17"); };
+    for (int round = 0, last = test::Fuzz::Rounds(2000); round < last; ++round) {
         // Random bytes, or a capture with bytes changed, inserted and dropped.
         const bool randomBytes = pick(3) == 0;
-        QByteArray bytes = randomBytes ? QByteArray(pick(600), '\0')
-                                       : captures.at(pick(static_cast<int>(captures.size())));
-        for (char& b : bytes)
-            if (randomBytes || pick(50) == 0) b = byte();
-        for (int n = pick(6); n > 0; --n)
-            bytes.insert(pick(static_cast<int>(bytes.size())), byte());
-        for (int n = pick(6); n > 0 && !bytes.isEmpty(); --n)
-            bytes.remove(pick(static_cast<int>(bytes.size())), 1);
+        QByteArray bytes =
+            randomBytes ? QByteArray(pick(600), '\0') : captures.at(pick(captures.size()));
+        pick.scatter(bytes, randomBytes ? 1 : 50, byte);
+        pick.edit(bytes, pick(12), byte);
 
-        ReadWindow window{.waitMs = pick(3) * 50, .restMs = pick(2) * 100};
+        ReadWindow window{.waitMs = pick(3) * 50LL, .restMs = pick(2) * 100LL};
         JoinToEnd etx{.mark = QChar(0x03)};
         JoinToCrLf crlf;
         BlockReader blocks;

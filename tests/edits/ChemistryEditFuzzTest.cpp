@@ -1,6 +1,5 @@
 // Random and mutated chemistry frames through the frame reader and the result lines: no crash,
 // no hang, one line for each group the counts ask for, and the row limit as the one failure.
-// A fixed seed keeps a failure reproducible; KV_ORBLINE_FUZZ_ROUNDS runs longer.
 
 #include "common/Numbers.h"
 #include "common/RunContext.h"
@@ -8,13 +7,11 @@
 #include "common/Text.h"
 #include "edits/MdlEdit021.h"
 #include "support/Frames.h"
+#include "support/Fuzz.h"
 #include "support/TestSite.h"
 #include "tables/MdlOption.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <random>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -23,12 +20,10 @@ TEST(ChemistryEditFuzz, OneLinePerCountedGroupAndOnlyTheLimitThrows) {
     test::TestSite site;
     LoadOption2140();
     const ChemistryParams params{{Ctx().OptionTable2140, Ctx().OptionCount2140, 0, 1}, u"2140"_s};
-    std::mt19937 random(2140);
-    const auto pick = [&](int below) { return int(random() % unsigned(std::max(1, below))); };
+    test::Fuzz pick{std::mt19937(2140)};
     const QString alphabet = u"0123456789 .-+E,<>AQa?$\x02\x03ｱ\uF781"_s;
     const std::string values[] = {"1.20", "000123", "000000", "  <LT>0.5", "-----", ""};
-    const char* rounds = std::getenv("KV_ORBLINE_FUZZ_ROUNDS");
-    for (int round = 0, last = rounds ? std::atoi(rounds) : 1500; round < last; ++round) {
+    for (int round = 0, last = test::Fuzz::Rounds(1500); round < last; ++round) {
         ChemistryMessage message;
         qsizetype asked = 0;
         bool thrown = false;
@@ -43,8 +38,7 @@ TEST(ChemistryEditFuzz, OneLinePerCountedGroupAndOnlyTheLimitThrows) {
             if (pick(2) == 0)
                 frame.replace(48, 3, QString::number(pick(1000) - 50).rightJustified(3));
             if (pick(9) == 0) frame.replace(48, 3, u"9E9"_s);
-            for (QChar& c : frame)
-                if (pick(60) == 0) c = alphabet.at(pick(int(alphabet.size())));
+            pick.scatter(frame, 60, [&] { return alphabet.at(pick(alphabet.size())); });
             if (pick(8) == 0) frame.truncate(pick(80));
             // What the count asks for, read independently of the reader.
             const QString count = Trim(Mid(frame, 49, 3));

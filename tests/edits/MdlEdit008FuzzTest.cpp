@@ -1,14 +1,11 @@
 // Random and mutated reports through the report chain into the 0855 edit: no crash, no hang, and
 // an unknown model gives its error line alone, a known one records only, at most two a test.
-// A fixed seed keeps a failure reproducible; KV_ORBLINE_FUZZ_ROUNDS runs longer.
 
 #include "dialogues/PieceReaders.h"
 #include "edits/MdlEdit008.h"
+#include "support/Fuzz.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <random>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -19,20 +16,16 @@ TEST(ResultEdit0855Fuzz, AnyReportGivesAnErrorLineOrRecordsAndNothingElse) {
                              "CRE", "ALB", "A/C", "P/C"})
         report += QString::fromLatin1(name).leftJustified(6) + u"*2+*    <0.10mg/dL \r\n"_s;
     report = report.insert(report.size() / 2, u"\x17\x02"_s) + u"\x03"_s;
-    std::mt19937 random(20261124);
-    const auto pick = [&](int below) { return int(random() % unsigned(std::max(1, below))); };
-    // Half of the random characters are those the chain and the edit look for.
+    test::Fuzz pick{std::mt19937(20261124)};
     const auto character = [&] {
-        return pick(2) ? QChar(u"\x02\x03\x17 */:+<PH.0"[pick(13)]) : QChar(pick(256));
+        return QChar(char16_t(uchar(pick.byte("\x02\x03\x17 */:+<PH.0"))));
     };
-    const char* rounds = std::getenv("KV_ORBLINE_FUZZ_ROUNDS");
     int withRecords = 0;
-    for (int round = 0, last = rounds ? std::atoi(rounds) : 1500; round < last; ++round) {
+    for (int round = 0, last = test::Fuzz::Rounds(1500); round < last; ++round) {
         const bool randomText = pick(3) == 0;  // else the report with characters changed
         QString text = randomText ? QString(pick(900), QChar()) : report;
-        for (QChar& c : text)
-            if (randomText || pick(40) == 0) c = character();
-        for (int n = pick(8); n > 0; --n) text.insert(pick(int(text.size())), character());
+        pick.scatter(text, randomText ? 1 : 40, character);
+        pick.edit(text, pick(8), character);
         EtbChain chain;
         for (qsizetype at = 0, length = 0; at < text.size(); at += length) {
             const std::optional<QStringList> frames =

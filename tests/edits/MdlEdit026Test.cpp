@@ -7,13 +7,12 @@
 #include "common/AnsiCodec.h"
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
+#include "support/Fuzz.h"
 #include "support/TestSite.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
-
-#include <random>
 
 using namespace Qt::StringLiterals;
 using namespace orbline;
@@ -172,15 +171,13 @@ TEST(Edit2620DeathTest, NothingToReportLeavesNoFileAndAnErrorEndsTheProcess) {
 // Any bytes a broken line can bring give rows or, past a hundred rows, the error exit's
 // RuntimeError; never another failure.
 TEST(Edit2620Scan, RandomTextNeverFailsOtherThanByTheRowLimit) {
-    std::mt19937 random(2620);
+    test::Fuzz pick{std::mt19937(2620)};
     const QString alphabet = u"\r\n\x03\x04\x05/:.[]<>TRLOMEYNoID0123456789 abcRIGHT"_s;
     for (const bool ft : {false, true}) {
         const ScanInputs2620 inputs = Inputs(ft);
         for (int round = 0; round < 300; ++round) {
-            QString block;
-            const int length = static_cast<int>(random() % 200);
-            for (int i = 0; i < length; ++i)
-                block.append(alphabet.at(static_cast<qsizetype>(random() % alphabet.size())));
+            QString block(pick(200), QChar());
+            pick.scatter(block, 1, [&] { return alphabet.at(pick(alphabet.size())); });
             ScanState2620 state = StartScan2620(inputs);
             try {
                 ScanBlock2620(block, inputs, state);
