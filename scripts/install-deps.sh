@@ -10,6 +10,9 @@ packages=(
     clang clang-format clang-tidy
     g++-mingw-w64-x86-64
     socat
+    # The service manager's notifications (sd_notify); dpkg-shlibdeps for the package's
+    # dependencies; systemd-analyze for the check of the unit.
+    libsystemd-dev dpkg-dev systemd
 )
 
 sudo_cmd=()

@@ -3,6 +3,7 @@
 #include "app/CloseRequest.h"
 #include "app/CommandLine.h"
 #include "app/Launch.h"
+#include "app/ServiceWatchdog.h"
 #include "app/Session.h"
 #include "common/Form.h"
 
@@ -38,6 +39,7 @@ int main(int argc, char** argv) {
     SetUnloadHandler(&CloseRequestArrived);
     if (!InstallCloseRequest(&CloseRequestArrived))
         std::fputs("kv_orbline: the close request cannot be received\n", stderr);
+    StartServiceWatchdog();
 
     std::u16string raw;
     Form_Load(RawCommandArguments(raw) ? QString::fromStdU16String(raw)

@@ -67,6 +67,8 @@ void LinkProcess::start(const QString& code) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(u"KV_ORBLINE_NOW"_s, u"2025-04-16 09:30:15"_s);
     if (!timeScale.isEmpty()) env.insert(u"KV_ORBLINE_TIME_SCALE"_s, timeScale);
+    for (const QString& variable : environment)
+        env.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
     process_.setProcessEnvironment(env);
     process_.setStandardErrorFile(native(u"kv_orbline.stderr"_s));
     process_.start(QString::fromLocal8Bit(KV_ORBLINE_EXE),
@@ -83,6 +85,10 @@ bool LinkProcess::waitForDeliveries(int count, int milliseconds) const {
 }
 
 void LinkProcess::requestClose(int signal) {
+    sendSignal(signal);
+}
+
+void LinkProcess::sendSignal(int signal) {
     ::kill(static_cast<pid_t>(process_.processId()), signal);
 }
 

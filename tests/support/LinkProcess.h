@@ -34,12 +34,16 @@ class LinkProcess {
     QString userKeys;
     // Before start: a factor for the protocol's waits (the 10 ms round, the 100 ms read wait).
     QString timeScale;
+    // Before start: more variables of the process's environment ("NAME=value").
+    QStringList environment;
     // Waits until the main log holds the text.
     bool waitForLog(const QString& text, int milliseconds = 10000) const;
     // Waits until the delivery folder holds `count` files.
     bool waitForDeliveries(int count, int milliseconds = 10000) const;
     // SIGTERM (or another signal), as a parent closes the process.
     void requestClose(int signal = 15);
+    // Any signal to the process (SIGSTOP, SIGCONT, ...).
+    void sendSignal(int signal);
     // The exit status, or -1 when the process did not end in time or crashed.
     int finish(int milliseconds = 10000);
     // requestClose, then finish: 0 for a clean end.
