@@ -15,5 +15,5 @@ cmake --build build-package -j "$(nproc)"
 rm -f build-package/kv-orbline_*.deb
 (cd build-package && cpack -G DEB)
 deb=$(ls build-package/kv-orbline_*.deb)
-dpkg-deb --info "$deb" | sed -n '/Package:/,/Description:/p'
+dpkg-deb --field "$deb" Package Version Architecture Depends
 echo "$deb"
