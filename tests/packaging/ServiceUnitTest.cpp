@@ -1,6 +1,7 @@
 // The systemd unit as systemd reads it: the template unit, instantiated with the built program
 // in place of the installed one, passes `systemd-analyze verify` without a word; the example
-// instance file gives the command line with its "\" intact.
+// instance file gives the command line with its "\" intact; an instance without a command line
+// starts the program with no argument at all.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +30,7 @@ TEST(ServiceUnit, AnInstanceOfTheTemplatePassesSystemdVerification) {
     const QString analyze = QStandardPaths::findExecutable(u"systemd-analyze"_s);
     if (analyze.isEmpty()) GTEST_SKIP() << "systemd-analyze is not installed (package systemd)";
     QByteArray unit = ReadAll(Packaging(u"systemd/kv-orbline@.service"_s));
-    ASSERT_TRUE(unit.contains("ExecStart=/usr/bin/kv_orbline "));
+    ASSERT_TRUE(unit.contains("/usr/bin/kv_orbline"));
     unit.replace("/usr/bin/kv_orbline", QByteArray(KV_ORBLINE_EXE));
 
     QTemporaryDir dir;
@@ -71,4 +72,31 @@ TEST(ServiceUnit, TheExampleInstanceFileKeepsTheBackslashesOfItsPath) {
     const QStringList lines = QString::fromLocal8Bit(parse.readAllStandardOutput()).split(u'\n');
     EXPECT_TRUE(lines.contains(uR"(KV_ORBLINE_ARGS="0980=0=HA=\\srv\\kv\\0980")"_s))
         << lines.join(u'\n').toStdString();
+}
+
+// systemd passes "${VAR}" as one argument even when it is empty, and the program would run on
+// the root folder and the first port; the unit's start command passes none, so the program
+// prints its usage and ends with 2, which the unit does not restart.
+TEST(ServiceUnit, AnInstanceWithoutItsCommandLineStartsTheProgramWithNoArgument) {
+    const QString unit = QString::fromUtf8(ReadAll(Packaging(u"systemd/kv-orbline@.service"_s)));
+    const QString prefix = u"ExecStart=/bin/sh -c '"_s;
+    const qsizetype start = unit.indexOf(prefix);
+    ASSERT_GE(start, 0) << "the start command is no longer run through sh";
+    const qsizetype end = unit.indexOf(u"'\n"_s, start);
+    ASSERT_GT(end, start);
+    // "$$" is systemd's literal "$".
+    const QString script =
+        unit.mid(start + prefix.size(), end - start - prefix.size())
+            .replace(u"$$"_s, u"$"_s)
+            .replace(u"/usr/bin/kv_orbline"_s, QString::fromLocal8Bit(KV_ORBLINE_EXE));
+    for (const bool present : {false, true}) {
+        QProcess process;
+        QProcessEnvironment env;
+        if (present) env.insert(u"KV_ORBLINE_ARGS"_s, QString());
+        process.setProcessEnvironment(env);
+        process.start(u"/bin/sh"_s, {u"-c"_s, script});
+        ASSERT_TRUE(process.waitForFinished(10000));
+        EXPECT_EQ(process.exitCode(), 2) << present;
+        EXPECT_TRUE(process.readAllStandardError().startsWith("usage: kv_orbline")) << present;
+    }
 }
