@@ -10,6 +10,9 @@ packages=(
     clang clang-format clang-tidy
     g++-mingw-w64-x86-64
     socat
+    # the console's tests: a Japanese font for its screenshots, a virtual display and the X
+    # libraries that press its buttons there
+    fonts-ipafont-gothic xvfb libx11-dev libxtst-dev
     # The service manager's notifications (sd_notify); dpkg-shlibdeps for the package's
     # dependencies; systemd-analyze for the check of the unit.
     libsystemd-dev dpkg-dev systemd

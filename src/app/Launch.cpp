@@ -15,6 +15,17 @@ using namespace Qt::StringLiterals;
 
 namespace orbline {
 
+namespace {
+FormShower& Shower() {
+    static FormShower shower = nullptr;
+    return shower;
+}
+}  // namespace
+
+void SetFormShower(FormShower shower) {
+    Shower() = shower;
+}
+
 LaunchFields ParseCommandLine(const QString& commandLine) {
     QString text = commandLine;
     text.remove(u'/');
@@ -83,6 +94,7 @@ void Form_Load(const QString& commandLine) {
         f.WidthTwips = 8265;
         f.Visible = true;
         f.Cmd_KaijyoEnabled = false;
+        if (Shower() != nullptr) Shower()();
     }
     // Unattended, the form is never shown: the start command blocks here for the session.
     Cmd_Open();

@@ -25,6 +25,11 @@ QString JoinArguments(int argc, const char* const* argv);
 // (OutSerial set to 0 between fields 4 and 5), the order staging emptied, the timers off, the
 // hidden character, the lists, the start line.
 void RunLoadEventStart(const QString& commandLine);
+// Shows the console window over the form (ShowMode 1). The window is built above this layer,
+// so the program names it here at start; without it the form stays a model only.
+using FormShower = void (*)();
+void SetFormShower(FormShower shower);
+
 // The whole load event: the above, then the form shown (ShowMode 1) or not, and the start
 // command, which returns only when the session has ended.
 void Form_Load(const QString& commandLine);

@@ -6,16 +6,38 @@
 #include "app/ServiceWatchdog.h"
 #include "app/Session.h"
 #include "common/Form.h"
+#include "common/RunContext.h"
 
 #include <QCoreApplication>
 
+#ifdef ORBLINE_HAS_CONSOLE
+#include "console/Console.h"
+
+#include <QApplication>
+#endif
+
 #include <cstdio>
+#include <memory>
 
 namespace {
 
 void CloseRequestArrived() {
     std::int16_t cancel = 0;
     orbline::Form_QueryUnload(cancel);
+}
+
+// A window only for ShowMode 1: every other process runs without a display.
+std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool console) {
+#ifdef ORBLINE_HAS_CONSOLE
+    if (console) {
+        auto app = std::make_unique<QApplication>(argc, argv);
+        orbline::console::InstallConsole();
+        return app;
+    }
+#else
+    if (console) std::fputs("kv_orbline: built without the console; no window is shown\n", stderr);
+#endif
+    return std::make_unique<QCoreApplication>(argc, argv);
 }
 
 }  // namespace
@@ -31,19 +53,21 @@ int main(int argc, char** argv) {
             stderr);
         return 2;
     }
-    QCoreApplication app(argc, argv);
     using namespace orbline;
+    std::u16string raw;
+    const QString commandLine =
+        RawCommandArguments(raw) ? QString::fromStdU16String(raw) : JoinArguments(argc, argv);
+    const std::unique_ptr<QCoreApplication> app =
+        MakeApplication(argc, argv, ShowsConsole(ParseCommandLine(commandLine).ShowMode));
 
     // Unloading the form is the close request, whoever asks for it: the parent, the exit
-    // command or an abnormal end.
+    // command, the console's close button or an abnormal end.
     SetUnloadHandler(&CloseRequestArrived);
     if (!InstallCloseRequest(&CloseRequestArrived))
         std::fputs("kv_orbline: the close request cannot be received\n", stderr);
     StartServiceWatchdog();
 
-    std::u16string raw;
-    Form_Load(RawCommandArguments(raw) ? QString::fromStdU16String(raw)
-                                       : JoinArguments(argc, argv));
+    Form_Load(commandLine);
     // After a stop the form waits for the next command or the close request.
     return QCoreApplication::exec();
 }

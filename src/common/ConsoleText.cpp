@@ -6,6 +6,7 @@ namespace orbline {
 
 void ConsoleText::prepend(const QString& message) {
     text_.prepend(message + u"\r\n"_s);
+    ++revision_;
     if (text_.size() <= cap_) return;
     // Drop the oldest lines, keeping whole lines only (cut after a CR LF).
     const qsizetype cut = text_.lastIndexOf(u"\r\n"_s, cap_ - 2);

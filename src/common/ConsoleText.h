@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <cstdint>
+
 namespace orbline {
 
 class ConsoleText {
@@ -13,12 +15,18 @@ class ConsoleText {
     // message + CR LF + the old text.
     void prepend(const QString& message);
     // Cmd_Log empties the box; the next event starts a new text.
-    void clear() { text_.clear(); }
+    void clear() {
+        text_.clear();
+        ++revision_;
+    }
     const QString& text() const { return text_; }
+    // Moves on at every change, so that a view redraws the box only when it changed.
+    std::uint64_t revision() const { return revision_; }
 
   private:
     qsizetype cap_;
     QString text_;
+    std::uint64_t revision_ = 0;
 };
 
 }  // namespace orbline

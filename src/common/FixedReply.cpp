@@ -6,44 +6,13 @@
 #include "common/Numbers.h"
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
-#include "common/Text.h"
 #include "serial/AwComm.h"
-
-#include <QStringList>
 
 using namespace Qt::StringLiterals;
 
 namespace orbline {
 
 namespace {
-
-// A token as the runtime reads "&H" + token or a decimal token into a byte: anything else, a
-// value above 255 included, is a failed conversion and gives 0.
-std::uint8_t TokenByte(const QString& token, bool hexadecimal) {
-    if (!hexadecimal) {
-        const auto number = ToInt32(token);
-        return (number && *number >= 0 && *number <= 255) ? static_cast<std::uint8_t>(*number) : 0;
-    }
-    int value = 0;
-    for (const QChar c : token) {
-        const int digit = QStringView(u"0123456789ABCDEF").indexOf(c.toUpper());
-        if (digit < 0) return 0;
-        value = value * 16 + digit;
-        if (value > 255) return 0;
-    }
-    return static_cast<std::uint8_t>(value);
-}
-
-QByteArray TokensToBytes(const QString& text, bool hexadecimal) {
-    QString tokens = Trim(text);
-    if (tokens.isEmpty()) return {};
-    tokens.replace(u"\r\n"_s, u" "_s);
-    while (tokens.contains(u"  "_s)) tokens.replace(u"  "_s, u" "_s);
-    QByteArray bytes;
-    for (const QString& token : tokens.split(u' '))
-        bytes.append(static_cast<char>(TokenByte(token, hexadecimal)));
-    return bytes;
-}
 
 // The hexadecimal text of a fixed reply; a prepared frame keeps SendBytes as it is.
 QByteArray FixedReplyText(FixedReply reply) {
@@ -77,29 +46,6 @@ QByteArray FixedReplyText(FixedReply reply) {
 }
 
 }  // namespace
-
-QByteArray ConvertToBinary(const QString& text, qsizetype mode) {
-    switch (mode) {
-        case 0:
-            return TokensToBytes(text, true);
-        case 1:
-            return TokensToBytes(text, false);
-        case 2: {
-            QByteArray bytes;
-            const QString hidden = Form().HiddenChar;
-            for (const QChar c : text)
-                if (hidden.isEmpty() || c != hidden.at(0))
-                    bytes.append(static_cast<char>(c.unicode() & 0xFF));
-            return bytes;
-        }
-        default:
-            return {};
-    }
-}
-
-std::int32_t GetByteArrayLength(const QByteArray& bytes) {
-    return static_cast<std::int32_t>(bytes.size());
-}
 
 void SendFixedReply(FixedReply reply) {
     try {

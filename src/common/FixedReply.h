@@ -1,19 +1,12 @@
 #pragma once
 // Every byte that goes to the port passes through the hexadecimal notation of the send pane
-// ("02 06 0D ") and is turned into bytes just before the write.
+// ("02 06 0D ") and is turned into bytes just before the write (ConvertToBinary, mode 0).
 
-#include <QByteArray>
-#include <QString>
+#include "common/PaneText.h"  // ConvertToBinary and GetByteArrayLength, for the replies' callers
 
 #include <cstdint>
 
 namespace orbline {
-
-// Pane text to bytes by the position of a mode list: 0 hexadecimal tokens, 1 decimal tokens,
-// 2 one byte per character (HiddenChar gives none). A token that is no byte value gives 0.
-// The ISO and EIA modes (3, 4) belong to the console and give no bytes here.
-QByteArray ConvertToBinary(const QString& text, qsizetype mode);
-std::int32_t GetByteArrayLength(const QByteArray& bytes);
 
 // The fixed replies, with the numbers of their table.
 enum class FixedReply : std::int16_t {

@@ -9,6 +9,7 @@
 #include "common/ConsoleText.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -94,12 +95,15 @@ struct Form_TesvaneMain {
     ListControl comboModeW;
     ListControl comboDelimiter;
     QString textDataW;
+    // The pane's text as it was on entering the box; leaving it compares against this.
+    QString textDataWOnEnter;
     PaneBytes sendBytes;
     bool buttonWriteEnabled = true;
     QString labelBytesW;
     // Receive pane.
     ListControl comboModeR;
     QString textDataR;
+    QString textDataROnEnter;
     PaneBytes receiveBytes;
     AwStringBuilder receiveText;
     bool buttonFormatREnabled = true;
@@ -111,6 +115,10 @@ struct Form_TesvaneMain {
     ListControl comboMax;
     ListControl comboCondition;
     CheckControl checkLoopWrite;
+    // What checkLoopWrite noted when turned on: the byte range and the time. Nothing sends.
+    qsizetype loopWriteMin = 0;
+    qsizetype loopWriteMax = 0;
+    QDateTime loopWriteSince;
     // Session.
     bool Cmd_OpenEnabled = true;
     bool Cmd_KaijyoEnabled = true;

@@ -2,6 +2,7 @@
 
 #include "common/Diagnostics.h"
 #include "common/Logging.h"
+#include "common/MessageBox.h"
 #include "common/RunContext.h"
 
 #include <cstdio>
@@ -17,18 +18,18 @@ void ToStandardError(const QString& text) {
 }
 }  // namespace
 
-void ShowOrderDbMessageBox(const QString& text) {
-    ToStandardError(u"KV_Orbline: "_s + text);
+bool ShowOrderDbMessageBox(const QString& text) {
+    return ShowMessageBox(text, BoxIcon::Critical);
 }
 
 void EndOnOrderDbFailure(const QString& text, const QString& cause) {
-    if (ShowsConsole(Ctx().ShowMode)) {
-        ShowOrderDbMessageBox(text);
-    } else {
+    // A box only where a console is shown (and built); otherwise the main log keeps the text.
+    if (!ShowsConsole(Ctx().ShowMode) || !ShowOrderDbMessageBox(text)) {
         QString line = text;
         GLogWrite(u"0"_s, line);
-        ToStandardError(text);
     }
+    // Standard error keeps the text for a supervisor that captured it, box or not.
+    ToStandardError(text);
     Diagnose(cause);
     std::fflush(nullptr);
     std::_Exit(1);

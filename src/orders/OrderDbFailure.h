@@ -13,8 +13,8 @@ inline constexpr auto kOrderDbCloseFailed = u"データベースのＣＬＯＳ�
 // to the diagnostic log either way. Then the process ends at once with status 1.
 [[noreturn]] void EndOnOrderDbFailure(const QString& text, const QString& cause);
 
-// Where the console's critical message box (title "KV_Orbline") goes. The console window does
-// not exist yet, so for now the text goes to standard error.
-void ShowOrderDbMessageBox(const QString& text);
+// The console's critical message box (title "KV_Orbline"), waiting for the click. False when
+// there is no console to show it.
+bool ShowOrderDbMessageBox(const QString& text);
 
 }  // namespace orbline

@@ -67,12 +67,17 @@ void LinkProcess::start(const QString& code) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(u"KV_ORBLINE_NOW"_s, u"2025-04-16 09:30:15"_s);
     if (!timeScale.isEmpty()) env.insert(u"KV_ORBLINE_TIME_SCALE"_s, timeScale);
-    for (const QString& variable : environment)
-        env.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
+    for (const QString& variable : environment) {
+        const qsizetype equals = variable.indexOf(u'=');
+        if (equals < 0)
+            env.remove(variable);
+        else
+            env.insert(variable.left(equals), variable.mid(equals + 1));
+    }
     process_.setProcessEnvironment(env);
     process_.setStandardErrorFile(native(u"kv_orbline.stderr"_s));
     process_.start(QString::fromLocal8Bit(KV_ORBLINE_EXE),
-                   {code + u"=0=TN="_s + Backslashed(dir_.path())});
+                   {code + u"="_s + showMode + u"=TN="_s + Backslashed(dir_.path())});
     process_.waitForStarted(5000);
 }
 

@@ -26,7 +26,7 @@ class LinkProcess {
     // and the chart folder "chart", section TNMC with the instrument's name, a line format, the
     // device of `line` and the extra keys ("Key=value" lines).
     void writeSettings(const QString& extraKeys = QString(), const QString& device = QString());
-    // Starts kv_orbline with "code=0=TN=site" and a fixed clock.
+    // Starts kv_orbline with "code=showMode=TN=site" and a fixed clock.
     void start(const QString& code = QStringLiteral("2620"));
     // Before writeSettings: the instrument's name in the settings (and so in every record).
     QString instrumentName = QStringLiteral("TOMEY");
@@ -34,7 +34,9 @@ class LinkProcess {
     QString userKeys;
     // Before start: a factor for the protocol's waits (the 10 ms round, the 100 ms read wait).
     QString timeScale;
-    // Before start: more variables of the process's environment ("NAME=value").
+    // Before start: the second field of the command line ("1" shows the console).
+    QString showMode = QStringLiteral("0");
+    // Before start: "NAME=value" sets a variable of the process, "NAME" alone removes it.
     QStringList environment;
     // Waits until the main log holds the text.
     bool waitForLog(const QString& text, int milliseconds = 10000) const;
