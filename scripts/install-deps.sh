@@ -13,6 +13,9 @@ packages=(
     # the console's tests: a Japanese font for its screenshots, a virtual display and the X
     # libraries that press its buttons there
     fonts-ipafont-gothic xvfb libx11-dev libxtst-dev
+    # The service manager's notifications (sd_notify); dpkg-shlibdeps for the package's
+    # dependencies; systemd-analyze for the check of the unit.
+    libsystemd-dev dpkg-dev systemd
 )
 
 sudo_cmd=()

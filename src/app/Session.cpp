@@ -11,6 +11,7 @@
 #include "common/Numbers.h"
 #include "common/RunContext.h"
 #include "common/RuntimeError.h"
+#include "common/ServiceNotify.h"
 #include "dialogues/Instruments.h"
 #include "serial/AwComm.h"
 
@@ -108,6 +109,7 @@ void OpenSession() {
     GLogWrite(u"0"_s, line);
     LogEvent(u"受信開始(Wait) --   "_s, u"受信開始(Wait) -- "_s, LogForm::Full);
     ShowLineStates();
+    NotifyService(ServiceState::Ready);
 }
 
 void CloseSession() {

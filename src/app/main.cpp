@@ -3,6 +3,7 @@
 #include "app/CloseRequest.h"
 #include "app/CommandLine.h"
 #include "app/Launch.h"
+#include "app/ServiceWatchdog.h"
 #include "app/Session.h"
 #include "common/Form.h"
 #include "common/RunContext.h"
@@ -64,6 +65,7 @@ int main(int argc, char** argv) {
     SetUnloadHandler(&CloseRequestArrived);
     if (!InstallCloseRequest(&CloseRequestArrived))
         std::fputs("kv_orbline: the close request cannot be received\n", stderr);
+    StartServiceWatchdog();
 
     Form_Load(commandLine);
     // After a stop the form waits for the next command or the close request.

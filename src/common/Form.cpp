@@ -1,6 +1,7 @@
 #include "common/Form.h"
 
 #include "common/RunContext.h"
+#include "common/ServiceNotify.h"
 #include "serial/AwComm.h"
 
 #include <cstdio>
@@ -58,6 +59,7 @@ void UnloadForm() {
 }
 
 void EndProcess() {
+    NotifyService(ServiceState::Stopping);
     std::fflush(nullptr);
     std::exit(Ctx().AbendFlag != 0 ? 1 : 0);
 }

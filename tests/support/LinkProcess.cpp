@@ -90,6 +90,10 @@ bool LinkProcess::waitForDeliveries(int count, int milliseconds) const {
 }
 
 void LinkProcess::requestClose(int signal) {
+    sendSignal(signal);
+}
+
+void LinkProcess::sendSignal(int signal) {
     ::kill(static_cast<pid_t>(process_.processId()), signal);
 }
 

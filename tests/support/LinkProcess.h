@@ -44,6 +44,8 @@ class LinkProcess {
     bool waitForDeliveries(int count, int milliseconds = 10000) const;
     // SIGTERM (or another signal), as a parent closes the process.
     void requestClose(int signal = 15);
+    // Any signal to the process (SIGSTOP, SIGCONT, ...).
+    void sendSignal(int signal);
     // The exit status, or -1 when the process did not end in time or crashed.
     int finish(int milliseconds = 10000);
     // requestClose, then finish: 0 for a clean end.
