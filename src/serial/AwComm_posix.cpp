@@ -172,6 +172,10 @@ bool AwComm::PlatformClose() {
     // The handle is forgotten after the close: a descriptor number may be reused at once.
     if (!port_) return false;
     port_->Stop();
+    // The exclusive mark outlives the descriptor where the terminal stays open at its other
+    // end (a pseudo-terminal): a restarted process that may not override it could not open
+    // the port again.
+    (void)ioctl(port_->fd, TIOCNXCL);
     const bool closed = close(port_->fd) == 0;
     port_.reset();
     return closed;

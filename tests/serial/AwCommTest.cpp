@@ -11,6 +11,10 @@
 #include <fstream>
 #include <thread>
 
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include "common/AwCommText.h"
 #include "serial/AwComm.h"
 #include "support/LineHarness.h"
@@ -107,6 +111,16 @@ TEST_F(AwCommOnPty, OpensEveryFormatTheDeviceCanDoAndRefusesTheRest) {
             f.refused.empty() ? "" : "line format refused (" + f.refused + ") at line settings");
     }
     EXPECT_TRUE(comm.OpenPort1());
+    // The exclusive mark goes with the close: the pseudo-terminal stays open at the
+    // instrument's end, and a restarted process that is not root could not open it again.
+    const int probe = ::open(harness.device().c_str(), O_RDWR | O_NOCTTY);
+    int exclusive = -1;
+    EXPECT_EQ(ioctl(probe, TIOCGEXCL, &exclusive), 0);
+    EXPECT_EQ(exclusive, 1);
+    EXPECT_TRUE(comm.ClosePort());
+    EXPECT_EQ(ioctl(probe, TIOCGEXCL, &exclusive), 0);
+    EXPECT_EQ(exclusive, 0);
+    ::close(probe);
 }
 
 TEST_F(AwCommOnPty, AReadTakesExactlyItsCountOrLosesAShortRead) {
