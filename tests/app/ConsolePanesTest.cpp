@@ -137,12 +137,3 @@ TEST(ConsolePanes, WriteAppendsTheDelimiterAndSendsNothing) {
     }
     EXPECT_TRUE(harness.line.drain(std::chrono::milliseconds(200)).empty());
 }
-
-// A line box clicked before any session must not make a port object.
-TEST(ConsolePanes, LineBoxesLeaveAMissingPortAlone) {
-    TestSite site;
-    SetRtsFromBox(true);
-    SetDtrFromBox(true);
-    EXPECT_FALSE(Form().Comm);
-    EXPECT_EQ(Form().checkRts.value + Form().checkDtr.value, 2);
-}
