@@ -1,7 +1,9 @@
 // kv_simulator: plays an instrument's side of the line from a script.
 //
-//   kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] SCRIPT
+//   kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] [--capture FILE]
+//                SCRIPT
 //
+// --capture writes the session in the byte notation, whole, for kv_replay.
 // --device opens a serial port (or one end of a socat pair) raw at the rate; --pty makes a
 // pseudo-terminal pair and points LINK at the end the code under test opens. Exit status:
 // 0 when every step passed, 1 when a step failed, 2 for a bad command line or script.
@@ -29,12 +31,14 @@
 namespace {
 
 constexpr const char* kUsage =
-    "usage: kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] SCRIPT\n";
+    "usage: kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE]\n"
+    "                    [--capture FILE] SCRIPT\n";
 
 struct Options {
     std::string device;
     std::string ptyLink;
     std::string record;
+    std::string capture;
     std::string script;
     std::uint32_t rate = 9600;
 };
@@ -50,6 +54,8 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
             options.ptyLink = argv[++i];
         } else if (arg == "--record" && hasValue) {
             options.record = argv[++i];
+        } else if (arg == "--capture" && hasValue) {
+            options.capture = argv[++i];
         } else if (arg == "--rate" && hasValue) {
             const std::string value = argv[++i];
             if (value.empty() || value.size() > 9 ||
@@ -114,6 +120,15 @@ int main(int argc, char** argv) {
     RunOptions run;
     run.timeScale = orbline::TimeScale();
     if (pty) run.takeOpenedMark = [&pty] { return pty->takeOpenedMark(); };
+    std::ofstream capture;
+    if (!options->capture.empty()) {
+        capture.open(options->capture, std::ios::binary);
+        if (!capture) {
+            std::cerr << "kv_simulator: cannot write " << options->capture << '\n';
+            return 2;
+        }
+        run.capture = &capture;
+    }
     const bool passed = RunScript(script, line, run, std::cout);
 
     if (!options->record.empty()) {
