@@ -57,7 +57,7 @@ std::optional<std::vector<Step>> ParseCapture(const std::string& text, std::stri
         }
         std::optional<sim::Bytes> bytes = sim::ParseBytes(notation, error);
         if (!bytes) {
-            error = where + error;
+            error.insert(0, where);
             return std::nullopt;
         }
         if (sent) {

@@ -102,7 +102,7 @@ std::optional<Options> ParseArguments(const QStringList& args, QString& problem)
             problem = arg + u" wants a value"_s;
             return std::nullopt;
         }
-        const QString value = args.at(++i);
+        const QString& value = args.at(++i);
         if (arg == u"--ini"_s) {
             options.ini = value;
         } else if (arg == u"--prefix"_s) {
