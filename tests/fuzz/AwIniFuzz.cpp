@@ -1,5 +1,6 @@
 // The settings reader on any file: the keys the program reads, and a section and key taken
-// from the input's first line. A value is at most 255 bytes in the code page.
+// from the input's first line. A value is what at most 255 bytes of the file decode to (a lone
+// lead byte becomes a character of two bytes, so it is counted in characters).
 
 #include "FuzzInput.h"
 #include "app/AwIni.h"
@@ -17,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     };
     for (const auto& [section, key] : keys) {
         const QString value = ProfileString(bytes, section, key, u"none"_s);
-        fuzz::Require(EncodeAnsi(value).size() <= 255, "a value is cut at 255 bytes");
+        fuzz::Require(value.size() <= 255, "a value is cut at 255 bytes");
     }
     return 0;
 }
