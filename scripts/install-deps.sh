@@ -8,6 +8,7 @@ packages=(
     libqt6sql6-psql postgresql
     libgtest-dev libgmock-dev googletest libbenchmark-dev
     clang clang-format clang-tidy
+    libclang-rt-14-dev
     g++-mingw-w64-x86-64
     socat
     # the console's tests: a Japanese font for its screenshots, a virtual display and the X

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is needed, starts a throwaway PostgreSQL server, builds with warnings as errors,
-# runs every test; then the same suite under the address and undefined-behaviour sanitizers;
+# runs every test; then the same suite built by clang under the address and undefined-behaviour
+# sanitizers, with the libFuzzer targets, each run for a few seconds;
 # then the Windows sources through the cross compiler's syntax check; last the format and
 # clang-tidy checks.
 set -euo pipefail
@@ -24,11 +25,13 @@ echo "== soak, 60 s =="
 # The twelve instruments at once on one site, order files arriving (docs/soak.md).
 build/tools/soak/kv_soak --seconds 60
 
-echo "== sanitizer build and test =="
-cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORBLINE_SANITIZE=ON -DORBLINE_BENCH=OFF
-cmake --build build-asan -j "$jobs"
+echo "== sanitizer build (clang) and test, each fuzz target for a few seconds =="
+CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORBLINE_SANITIZE=ON \
+    -DORBLINE_BENCH=OFF -DORBLINE_FUZZ=ON -DORBLINE_FUZZ_SECONDS=4
+cmake --build build-fuzz -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
-    ctest --test-dir build-asan --output-on-failure -j "$jobs"
+    LSAN_OPTIONS=suppressions="$(pwd)/tests/lsan.supp" \
+    ctest --test-dir build-fuzz --output-on-failure -j "$jobs"
 
 echo "== Windows sources, syntax only =="
 scripts/check-win32.sh

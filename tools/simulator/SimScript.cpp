@@ -198,15 +198,26 @@ bool RunScript(const Script& script, SimLine& line, const RunOptions& options, s
             log << "! " << at << reason << '\n';
             return false;
         };
+        const auto captured = [&](const char* mark, const Bytes& bytes) {
+            if (options.capture != nullptr) *options.capture << mark << Visible(bytes) << '\n';
+        };
         const auto sendLogged = [&](const Bytes& bytes) {
             log << "> " << Shown(bytes) << '\n';
+            captured("> ", bytes);
             return line.send(bytes);
+        };
+        const auto receivedLogged = [&](const Bytes& bytes, bool whole) {
+            log << "< " << (whole ? Visible(bytes) : Shown(bytes)) << '\n';
+            captured("< ", bytes);
         };
         switch (step.command) {
             case Command::Rate:
+                if (options.capture != nullptr) *options.capture << "rate " << step.first << '\n';
                 line.setRate(static_cast<std::uint32_t>(step.first));
                 break;
             case Command::Chunk:
+                if (options.capture != nullptr)
+                    *options.capture << "chunk " << step.first << ' ' << step.second << '\n';
                 line.setChunks(static_cast<std::size_t>(step.first), Scaled(step.second, scale));
                 break;
             case Command::TimeLimit:
@@ -228,7 +239,7 @@ bool RunScript(const Script& script, SimLine& line, const RunOptions& options, s
                         if (!sendLogged(frame)) return fail(line.error());
                         if (last) break;
                         const Bytes reply = line.receive(1, limit);
-                        log << "< " << Visible(reply) << '\n';
+                        receivedLogged(reply, true);
                         if (reply.empty()) return fail("no answer to the frame in time");
                         if (reply[0] == kAck) break;
                         if (reply[0] != kNak) return fail("answer is neither <ACK> nor <NAK>");
@@ -238,22 +249,23 @@ bool RunScript(const Script& script, SimLine& line, const RunOptions& options, s
                 break;
             case Command::Expect: {
                 const Bytes got = line.receive(step.bytes.size(), limit);
-                log << "< " << Shown(got) << '\n';
+                receivedLogged(got, false);
                 if (got != step.bytes) return fail("expected " + Visible(step.bytes));
                 break;
             }
             case Command::ExpectAny: {
                 const Bytes got = line.receive(1, limit);
-                log << "< " << Shown(got) << '\n';
+                receivedLogged(got, false);
                 if (got.empty()) return fail("nothing arrived in time");
                 break;
             }
             case Command::Pause:
+                if (options.capture != nullptr) *options.capture << "pause " << step.first << '\n';
                 std::this_thread::sleep_for(Scaled(step.first, scale));
                 break;
             case Command::Drain: {
                 const Bytes got = line.drain(Scaled(step.first, scale));
-                log << "< " << Shown(got) << '\n';
+                receivedLogged(got, false);
                 break;
             }
             case Command::WaitOpen: {

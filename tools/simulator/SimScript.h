@@ -53,6 +53,9 @@ std::vector<Bytes> CutIntoFrames(const Bytes& transmission);
 struct RunOptions {
     double timeScale = 1.0;                // for pauses and time limits, not for the line rate
     std::function<bool()> takeOpenedMark;  // for wait-open; empty when not on an own pty
+    // Where to write the session whole, for a replay: "> " sent, "< " received, and the
+    // rate, chunk and pause commands as they come.
+    std::ostream* capture = nullptr;
 };
 
 // Runs the steps; false at the first that fails, with the reason written to `log`. Every byte

@@ -1,7 +1,9 @@
 // kv_simulator: plays an instrument's side of the line from a script.
 //
-//   kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] [--passes N] SCRIPT
+//   kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] [--capture FILE]
+//                [--passes N] SCRIPT
 //
+// --capture writes the session in the byte notation, whole, for kv_replay.
 // --device opens a serial port (or one end of a socat pair) raw at the rate; --pty makes a
 // pseudo-terminal pair and points LINK at the end the code under test opens; --passes plays
 // the script N times over (wait-open in the first pass only). Exit status:
@@ -30,13 +32,14 @@
 namespace {
 
 constexpr const char* kUsage =
-    "usage: kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE] [--passes N] "
-    "SCRIPT\n";
+    "usage: kv_simulator [--device PATH | --pty LINK] [--rate BAUD] [--record FILE]\n"
+    "                    [--capture FILE] [--passes N] SCRIPT\n";
 
 struct Options {
     std::string device;
     std::string ptyLink;
     std::string record;
+    std::string capture;
     std::string script;
     std::uint32_t rate = 9600;
     int passes = 1;
@@ -62,6 +65,8 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
             options.ptyLink = argv[++i];
         } else if (arg == "--record" && hasValue) {
             options.record = argv[++i];
+        } else if (arg == "--capture" && hasValue) {
+            options.capture = argv[++i];
         } else if (arg == "--rate" && hasValue) {
             const std::optional<std::uint32_t> rate = Count(argv[++i]);
             if (!rate) return std::nullopt;
@@ -127,6 +132,15 @@ int main(int argc, char** argv) {
     RunOptions run;
     run.timeScale = orbline::TimeScale();
     if (pty) run.takeOpenedMark = [&pty] { return pty->takeOpenedMark(); };
+    std::ofstream capture;
+    if (!options->capture.empty()) {
+        capture.open(options->capture, std::ios::binary);
+        if (!capture) {
+            std::cerr << "kv_simulator: cannot write " << options->capture << '\n';
+            return 2;
+        }
+        run.capture = &capture;
+    }
     const PassCount count = RunPasses(
         script, line, run, [&](int passed) { return passed < options->passes; }, std::cout);
     const bool passed = !count.failed;
